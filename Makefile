@@ -1,0 +1,48 @@
+# Thin wrapper over CMake. `make test` is all a new machine needs.
+PREFIX ?= /usr/local
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+CCACHE := $(shell command -v ccache 2>/dev/null)
+CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+
+# ctest runs the cases two at a time; a case that needs more time than this is a hang.
+CTEST := ctest --output-on-failure -j $(JOBS) --timeout 300
+
+.PHONY: all deps build test test-asan test-tsan bench install clean
+
+all: build
+
+deps:
+	@scripts/install-deps
+
+build/CMakeCache.txt: | deps
+	cmake -S . -B build $(CMAKE_FLAGS)
+
+build: deps build/CMakeCache.txt
+	cmake --build build -j $(JOBS)
+
+test: build
+	cd build && $(CTEST)
+
+# AddressSanitizer and UndefinedBehaviorSanitizer; the first report fails the run.
+test-asan: deps
+	cmake -S . -B build-asan $(CMAKE_FLAGS) -DTESSARITY_SANITIZE="address;undefined"
+	cmake --build build-asan -j $(JOBS)
+	cd build-asan && ASAN_OPTIONS=halt_on_error=1:detect_leaks=1 \
+	  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $(CTEST)
+
+test-tsan: deps
+	cmake -S . -B build-tsan $(CMAKE_FLAGS) -DTESSARITY_SANITIZE=thread
+	cmake --build build-tsan -j $(JOBS)
+	cd build-tsan && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(CTEST)
+
+bench: deps
+	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTESSARITY_BUILD_TESTS=OFF \
+	  -DTESSARITY_BUILD_BENCH=ON $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+	cmake --build build-bench -j $(JOBS)
+	./build-bench/bench/tessarity_bench
+
+install: build
+	cmake --install build --prefix $(PREFIX)
+
+clean:
+	rm -rf build build-asan build-tsan build-bench

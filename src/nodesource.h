@@ -1,0 +1,58 @@
+#ifndef TESSARITY_NODESOURCE_H
+#define TESSARITY_NODESOURCE_H
+
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+#include <boost/thread/mutex.hpp>
+#include <boost/unordered_map.hpp>
+
+#include "node.h"
+
+namespace Tessarity {
+
+class Event;
+
+// Holds the newest value set by the application. Each process that synchronizes on it takes
+// one snapshot, kept until its last release, so a value set during a run reaches the next run.
+class NodeSource : public Node {
+public:
+    explicit NodeSource(const std::string& name);
+    ~NodeSource() override;
+
+    boost::shared_ptr<Data> requestData(const StringHash& process, const StringHash& request,
+                                        long long depth, boost::shared_ptr<Port> port) override;
+    void requestEmpty(const StringHash& process, const StringHash& request, long long depth,
+                      boost::shared_ptr<Port> port) override;
+
+    // Events are added while a graph is built, so no lock is taken.
+    void addEvent(boost::shared_ptr<Event> event);
+    void addDependency(const std::string& process);
+    const std::vector<std::string>& getDependencies() const { return _dependencies; }
+
+    virtual void setData(const boost::shared_ptr<Data>& data);
+    virtual boost::shared_ptr<Data> getData(const Type::Time& time,
+                                            const Type::Duration& tolerance) const;
+    virtual unsigned long long getUid() const;
+
+protected:
+    void _synchronize(const Type::Time& time, const Type::Duration& tolerance,
+                      const StringHash& process, const StringHash& request,
+                      long long depth) override;
+    void _synchronizeRelease(const StringHash& process, const StringHash& request,
+                             long long depth) override;
+
+private:
+    boost::shared_ptr<Data> _lastData;
+    mutable boost::mutex _sourceMutex;
+    std::vector<boost::shared_ptr<Event>> _events;
+    boost::unordered_map<unsigned long, boost::shared_ptr<Data>> _snapshots;
+    boost::unordered_map<unsigned long, int> _snapshotCounts;
+    std::vector<std::string> _dependencies;
+    unsigned long long _uid;
+};
+
+}  // namespace Tessarity
+
+#endif

@@ -1,0 +1,18 @@
+# Installs the build tree into a scratch prefix, then configures, builds and runs the
+# consumer project against it.
+file(REMOVE_RECURSE "${WORK_DIR}")
+set(prefix "${WORK_DIR}/prefix")
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "failed (${result}): ${ARGN}")
+  endif()
+endfunction()
+
+run(${CMAKE_COMMAND} --install "${BINARY_DIR}" --prefix "${prefix}")
+run(${CMAKE_COMMAND} -S "${SOURCE_DIR}/tests/consumer" -B "${WORK_DIR}/build"
+    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=RelWithDebInfo)
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
+run(${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${prefix}/lib:${prefix}/lib/x86_64-linux-gnu"
+    "${WORK_DIR}/build/consumer")
