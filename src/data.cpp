@@ -68,25 +68,19 @@ Data::Data(boost::shared_ptr<Type::Duration> value)
     : _data(std::move(value)), _type(Duration), _selfMade(false) {}
 
 std::string Data::getTypeName(DataType type) {
-    if (type < 1 || type >= typeCount)
-        return typeNames[Invalid];
+    if (type < 1 || type >= typeCount) return typeNames[Invalid];
     return typeNames[type];
 }
 
 DataType Data::getTypeFromName(const std::string& name) {
     for (int type = 1; type < typeCount; ++type)
-        if (name == typeNames[type])
-            return static_cast<DataType>(type);
+        if (name == typeNames[type]) return static_cast<DataType>(type);
     return Invalid;
 }
 
-Data::operator bool() const {
-    return _type == Boolean ? *static_cast<bool*>(_data.get()) : false;
-}
+Data::operator bool() const { return _type == Boolean ? *static_cast<bool*>(_data.get()) : false; }
 
-Data::operator int() const {
-    return _type == Integer ? *static_cast<int*>(_data.get()) : 0;
-}
+Data::operator int() const { return _type == Integer ? *static_cast<int*>(_data.get()) : 0; }
 
 Data::operator unsigned int() const {
     return _type == UnsignedInteger ? *static_cast<unsigned int*>(_data.get()) : 0u;
@@ -130,8 +124,7 @@ Data::operator std::vector<boost::shared_ptr<Data>>() const {
 }
 
 std::string Data::toString() const {
-    if (!_data)
-        return std::string();
+    if (!_data) return std::string();
     std::ostringstream text;
     const void* payload = _data.get();
     switch (_type) {
@@ -158,8 +151,7 @@ std::string Data::toString() const {
                 *static_cast<const std::vector<boost::shared_ptr<Data>>*>(payload);
             text << "{";
             for (std::size_t i = 0; i < elements.size(); ++i) {
-                if (i > 0)
-                    text << ";";
+                if (i > 0) text << ";";
                 text << (elements[i] ? elements[i]->toString() : std::string("NULL"));
             }
             text << "}";

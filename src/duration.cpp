@@ -13,12 +13,9 @@ namespace {
 // Back from float to a count. Out of range or NaN (a division by zero) would be undefined
 // behaviour for a plain cast, so those saturate, and NaN gives zero.
 long long toCount(float value) {
-    if (std::isnan(value))
-        return 0;
-    if (value >= 0x1p63f)
-        return LLONG_MAX;
-    if (value < -0x1p63f)
-        return LLONG_MIN;
+    if (std::isnan(value)) return 0;
+    if (value >= 0x1p63f) return LLONG_MAX;
+    if (value < -0x1p63f) return LLONG_MIN;
     return static_cast<long long>(value);
 }
 

@@ -28,8 +28,7 @@ public:
     // Called as a request is prepared and retired, so that a filter with an inner graph can
     // pass them on.
     virtual void synchronize(const Type::Time& time, const Type::Duration& tolerance,
-                             const StringHash& process, const StringHash& request,
-                             long long depth);
+                             const StringHash& process, const StringHash& request, long long depth);
     virtual void synchronizeRelease(const StringHash& process, const StringHash& request,
                                     long long depth);
     // One entry per input port, in order; null only on an optional port. Returns at most one

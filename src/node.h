@@ -28,8 +28,8 @@ public:
     virtual boost::shared_ptr<Data> requestData(const StringHash& process,
                                                 const StringHash& request, long long depth,
                                                 boost::shared_ptr<Port> port) = 0;
-    virtual void requestEmpty(const StringHash& process, const StringHash& request,
-                              long long depth, boost::shared_ptr<Port> port) = 0;
+    virtual void requestEmpty(const StringHash& process, const StringHash& request, long long depth,
+                              boost::shared_ptr<Port> port) = 0;
 
     const std::string& getName() const { return _name; }
     void setName(const std::string& name) { _name = name; }
@@ -43,8 +43,7 @@ public:
 
     void synchronize(const Type::Time& time, const Type::Duration& tolerance,
                      const StringHash& process, const StringHash& request, long long depth);
-    void synchronizeRelease(const StringHash& process, const StringHash& request,
-                            long long depth);
+    void synchronizeRelease(const StringHash& process, const StringHash& request, long long depth);
 
 protected:
     virtual void _synchronize(const Type::Time& time, const Type::Duration& tolerance,

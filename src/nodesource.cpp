@@ -29,8 +29,8 @@ void NodeSource::addEvent(boost::shared_ptr<Event> event) { _events.push_back(ev
 
 void NodeSource::addDependency(const std::string& process) { _dependencies.push_back(process); }
 
-void NodeSource::_synchronize(const Type::Time&, const Type::Duration&,
-                              const StringHash& process, const StringHash&, long long) {
+void NodeSource::_synchronize(const Type::Time&, const Type::Duration&, const StringHash& process,
+                              const StringHash&, long long) {
     boost::mutex::scoped_lock lock(_sourceMutex);
     auto count = _snapshotCounts.find(process.getHash());
     if (count == _snapshotCounts.end()) {
@@ -76,8 +76,8 @@ void NodeSource::requestEmpty(const StringHash& process, const StringHash&, long
         cached = _snapshots.find(process.getHash()) != _snapshots.end();
     }
     if (!cached)
-        TES_LOG(kelvo::log::Fatal,
-                getName() << "->requestEmpty(" << process << "): no cache found.");
+        TES_LOG(kelvo::log::Fatal, getName()
+                                       << "->requestEmpty(" << process << "): no cache found.");
 }
 
 void NodeSource::setData(const boost::shared_ptr<Data>& data) {

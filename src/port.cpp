@@ -14,8 +14,7 @@ const char* const kLogFile = "src/port";
 
 Port::Port(const std::string& name) : Port(name, boost::shared_ptr<Port>(), nullptr) {}
 
-Port::Port(const std::string& name, boost::shared_ptr<Port> parent)
-    : Port(name, parent, nullptr) {}
+Port::Port(const std::string& name, boost::shared_ptr<Port> parent) : Port(name, parent, nullptr) {}
 
 Port::Port(const std::string& name, boost::shared_ptr<Port> parent, Node* node)
     : _name(name), _parent(parent), _node(node), _optional(false) {}
@@ -97,15 +96,15 @@ boost::shared_ptr<Data> Port::requestData(const StringHash& process, const Strin
     // An unbound port answers with its own default only; the chain is not walked here.
     if (_links.empty()) return _defaultData;
     if (_links.size() > 1) {
-        TES_LOG(kelvo::log::Error,
-                _name << "::requestData(): " << "An input port can not have multiple outputs.");
+        TES_LOG(kelvo::log::Error, _name << "::requestData(): "
+                                         << "An input port can not have multiple outputs.");
         return boost::shared_ptr<Data>();
     }
     const boost::shared_ptr<Port>& link = _links[0];
     Node* upstream = _upstreamNode(link);
     if (!upstream) {
-        TES_LOG(kelvo::log::Error,
-                _name << "::requestData(): " << "trying to get data from an unbound port.");
+        TES_LOG(kelvo::log::Error, _name << "::requestData(): "
+                                         << "trying to get data from an unbound port.");
         return boost::shared_ptr<Data>();
     }
     boost::shared_ptr<Data> data = upstream->requestData(process, request, depth + 1, link);
@@ -120,15 +119,15 @@ void Port::requestEmpty(const StringHash& process, const StringHash& request, lo
     }
     if (_links.empty()) return;
     if (_links.size() > 1) {
-        TES_LOG(kelvo::log::Error,
-                _name << "::requestEmpty(): " << "An input port can not have multiple outputs.");
+        TES_LOG(kelvo::log::Error, _name << "::requestEmpty(): "
+                                         << "An input port can not have multiple outputs.");
         return;
     }
     const boost::shared_ptr<Port>& link = _links[0];
     Node* upstream = _upstreamNode(link);
     if (!upstream) {
-        TES_LOG(kelvo::log::Error,
-                _name << "::requestEmpty(): " << "trying to get data from an unbound port.");
+        TES_LOG(kelvo::log::Error, _name << "::requestEmpty(): "
+                                         << "trying to get data from an unbound port.");
         return;
     }
     upstream->requestEmpty(process, request, depth + 1, link);

@@ -49,8 +49,7 @@ public:
     boost::shared_ptr<Data> requestData(const StringHash& process, const StringHash& request,
                                         long long depth);
     void requestEmpty(const StringHash& process, const StringHash& request, long long depth);
-    void synchronizeRelease(const StringHash& process, const StringHash& request,
-                            long long depth);
+    void synchronizeRelease(const StringHash& process, const StringHash& request, long long depth);
 
     // Places data[i] on ports[i] and on the whole parent chain of each, for one request.
     static void loadData(std::vector<boost::shared_ptr<Port>>& ports,

@@ -22,8 +22,7 @@ boost::shared_ptr<Data> Tessarity::getSourceData(const std::string& source,
     return _d->getSourceData(source, tolerance);
 }
 
-boost::shared_ptr<Data> Tessarity::getSourceData(const std::string& source,
-                                                 const Type::Time& time,
+boost::shared_ptr<Data> Tessarity::getSourceData(const std::string& source, const Type::Time& time,
                                                  const Type::Duration& tolerance) const {
     return _d->getSourceData(source, time, tolerance);
 }

@@ -17,12 +17,12 @@ const char* const kLogFile = "src/tessarity_p";
 }  // namespace
 
 // Logs an error line and throws it as std::invalid_argument, for the operations that throw.
-#define TES_THROW(expr)                                         \
-    do {                                                        \
-        std::ostringstream tesThrowStream_;                     \
-        tesThrowStream_ << expr;                                \
-        TES_LOG(kelvo::log::Error, tesThrowStream_.str());      \
-        throw std::invalid_argument(tesThrowStream_.str());     \
+#define TES_THROW(expr)                                     \
+    do {                                                    \
+        std::ostringstream tesThrowStream_;                 \
+        tesThrowStream_ << expr;                            \
+        TES_LOG(kelvo::log::Error, tesThrowStream_.str());  \
+        throw std::invalid_argument(tesThrowStream_.str()); \
     } while (0)
 
 TessarityPrivate::TessarityPrivate(unsigned int threadCount) {

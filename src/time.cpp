@@ -5,9 +5,7 @@
 namespace Tessarity {
 namespace Type {
 
-Time Time::now() {
-    return Time(kelvo::Clock::now() / 1000);
-}
+Time Time::now() { return Time(kelvo::Clock::now() / 1000); }
 
 }  // namespace Type
 }  // namespace Tessarity

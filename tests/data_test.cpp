@@ -159,8 +159,7 @@ TEST(DurationSleep, WholeMillisecondsOnly) {
         return std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
     };
     long long total = 0;  // rounding up would cost at least 20 ms
-    for (int i = 0; i < 20; ++i)
-        total += sleptMilliseconds(Type::Duration::Microseconds(999));
+    for (int i = 0; i < 20; ++i) total += sleptMilliseconds(Type::Duration::Microseconds(999));
     EXPECT_LT(total, 20);
     long long slept = sleptMilliseconds(Type::Duration::Milliseconds(20));
     EXPECT_GE(slept, 20);

@@ -1,13 +1,13 @@
 // The engine facade: its workers and the round trip of values through global sources.
+#include <dirent.h>
 #include <atomic>
 #include <chrono>
-#include <dirent.h>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include <tessarity/tessarity.h>
 
@@ -161,8 +161,10 @@ TEST(Engine, SourcesFromManyThreads) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < rounds; ++i) {
                 const std::string name = "s" + std::to_string((i * 3 + t) % names);
-                if (i % 2) engine.deleteSource(name);
-                else engine.createSource(name);
+                if (i % 2)
+                    engine.deleteSource(name);
+                else
+                    engine.createSource(name);
                 engine.getSources();
             }
         });

@@ -1,6 +1,6 @@
 // Filters, their ports and the memory they keep between runs.
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include "filterprimitive.h"
 #include "memorymanager.h"
@@ -60,7 +60,7 @@ TEST(FilterPrimitive, DeclaredPortsAndLookup) {
     EXPECT_TRUE(total.getInput("in")->isCompatible(UnsignedInteger));
     EXPECT_FALSE(total.getInput("in")->isCompatible(Float));
     EXPECT_TRUE(total.getOutput("count")->isCompatible(Float));  // no type: any
-    EXPECT_FALSE(total.getInput(""));  // two inputs: no fallback
+    EXPECT_FALSE(total.getInput(""));                            // two inputs: no fallback
     EXPECT_FALSE(total.getInput("sum"));
 
     Numbered one(1), none(0), negative(-2);
@@ -83,7 +83,8 @@ TEST(FilterPrimitive, StateIsKeptPerProcessAndRequest) {
     StringHash process("p"), other("q");
     StringHash first("p/first"), second("p/second");
 
-    std::vector<boost::shared_ptr<Data>> out = total.applyFilter({integer(2), integer(1)}, process, first, 0);
+    std::vector<boost::shared_ptr<Data>> out =
+        total.applyFilter({integer(2), integer(1)}, process, first, 0);
     ASSERT_EQ(out.size(), 1u);  // shorter than the outputs: "count" has no value
     EXPECT_EQ(int(*out[0]), 2);
     EXPECT_EQ(int(*total.applyFilter({integer(3), integer(2)}, process, first, 0)[0]), 8);

@@ -2,8 +2,8 @@
 #include <atomic>
 #include <thread>
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include "event.h"
 #include "logcapture.h"
@@ -145,12 +145,13 @@ TEST(NodeSource, DestructionWithOpenCountsIsReported) {
     }
     std::vector<LogCapture::Line> lines = log.lines();
     ASSERT_EQ(lines.size(), 2u);
-    const std::string entry =
-        "\n  process: " + std::to_string(process.getHash()) + ", count: 1\n";
+    const std::string entry = "\n  process: " + std::to_string(process.getHash()) + ", count: 1\n";
     EXPECT_EQ(lines[0].category, "tessarity.nodeSource");
-    EXPECT_EQ(lines[0].message, "camera->~NodeSource(): There is still count to entry cache:" + entry);
+    EXPECT_EQ(lines[0].message,
+              "camera->~NodeSource(): There is still count to entry cache:" + entry);
     EXPECT_EQ(lines[1].category, "tessarity.node");
-    EXPECT_EQ(lines[1].message, "camera->~Node(): There is still active synchronize count:" + entry);
+    EXPECT_EQ(lines[1].message,
+              "camera->~Node(): There is still active synchronize count:" + entry);
 }
 
 TEST(NodeSource, SharedUpstreamIsCountedPerConsumerAndReleased) {
@@ -292,8 +293,10 @@ TEST(Port, BadLinksAreLoggedAndGiveNull) {
         EXPECT_EQ(line.level, kelvo::log::Error);
         EXPECT_EQ(line.category, "tessarity.port      ");
     }
-    EXPECT_EQ(lines[0].message, "twice::requestData(): An input port can not have multiple outputs.");
-    EXPECT_EQ(lines[1].message, "twice::requestEmpty(): An input port can not have multiple outputs.");
+    EXPECT_EQ(lines[0].message,
+              "twice::requestData(): An input port can not have multiple outputs.");
+    EXPECT_EQ(lines[1].message,
+              "twice::requestEmpty(): An input port can not have multiple outputs.");
     EXPECT_EQ(lines[2].message,
               "synchronizeRelease(): an input port (twice) can not have multiple outputs and only "
               "an input port can use synchronizeRelease().");

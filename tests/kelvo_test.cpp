@@ -5,8 +5,8 @@
 #include <string>
 #include <thread>
 
-#include <boost/filesystem.hpp>
 #include <gtest/gtest.h>
+#include <boost/filesystem.hpp>
 
 #include <kelvo/clock.h>
 #include <kelvo/log.h>
@@ -28,8 +28,8 @@ TEST(KelvoLog, HandlerGetsEveryLevelAndMayLogItself) {
     kelvo::log::log(1, "tessarity.port      ", "x", __FILE__, __func__, __LINE__);
     kelvo::log::setVerbosity(4);
     kelvo::log::setHandler(kelvo::log::Handler());
-    EXPECT_EQ(seen, (std::vector<std::string>{"6 a.b outer", "6 a.b inner",
-                                              "1 tessarity.port       x"}));
+    EXPECT_EQ(seen,
+              (std::vector<std::string>{"6 a.b outer", "6 a.b inner", "1 tessarity.port       x"}));
 }
 
 TEST(KelvoLog, DefaultWriterPrintsUpToItsVerbosity) {
@@ -53,7 +53,8 @@ TEST(KelvoOs, ClockAndThreadNames) {
     std::thread([&] {
         kelvo::os::setCurrentThreadName("TesWrk_a_very_long_process_name");
         named = kelvo::os::getCurrentThreadName();
-        kelvo::os::setCurrentThreadName("TesWrk_x\xc3\xa9\xc3\xa9\xc3\xa9\xc3\xa9");  // 2 bytes each
+        kelvo::os::setCurrentThreadName(
+            "TesWrk_x\xc3\xa9\xc3\xa9\xc3\xa9\xc3\xa9");  // 2 bytes each
         named += "|" + kelvo::os::getCurrentThreadName();
     }).join();
     EXPECT_EQ(named, "TesWrk_a_very_l|TesWrk_x\xc3\xa9\xc3\xa9\xc3\xa9");

@@ -18,11 +18,11 @@ public:
     };
 
     LogCapture() {
-        kelvo::log::setHandler([this](int level, const std::string& category,
-                                      const std::string& message) {
-            boost::mutex::scoped_lock lock(_mutex);
-            _lines.push_back(Line{level, category, message});
-        });
+        kelvo::log::setHandler(
+            [this](int level, const std::string& category, const std::string& message) {
+                boost::mutex::scoped_lock lock(_mutex);
+                _lines.push_back(Line{level, category, message});
+            });
     }
     ~LogCapture() { kelvo::log::setHandler(kelvo::log::Handler()); }
 

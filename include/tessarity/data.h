@@ -17,7 +17,7 @@ namespace Tessarity {
 // shared pointer keep that very pointer, so every holder sees one object. Conversions never
 // throw: a tag that does not match gives zero, null or empty.
 class Data {
-  public:
+public:
     Data();
     Data(bool value);
     Data(int value);
@@ -71,7 +71,7 @@ class Data {
     operator Type::Time*() const { return _payloadAs<Type::Time>(Time); }
     operator Type::Duration*() const { return _payloadAs<Type::Duration>(Duration); }
 
-  private:
+private:
     template <typename T>
     T* _payloadAs(DataType tag) const {
         return _type == tag ? static_cast<T*>(_data.get()) : nullptr;

@@ -6,7 +6,7 @@ namespace Type {
 
 // A signed count of microseconds. Kept to one integer so that it passes by value for free.
 class Duration {
-  public:
+public:
     static Duration Hours(long long hours) { return Duration(hours * 3600000000LL); }
     static Duration Minutes(long long minutes) { return Duration(minutes * 60000000LL); }
     static Duration Seconds(long long seconds) { return Duration(seconds * 1000000LL); }
@@ -46,7 +46,7 @@ class Duration {
     bool operator==(const Duration& other) const { return _microseconds == other._microseconds; }
     bool operator!=(const Duration& other) const { return _microseconds != other._microseconds; }
 
-  private:
+private:
     long long _microseconds;
 };
 

@@ -12,7 +12,7 @@ namespace Tessarity {
 // A name with its hash computed once, so that the pull protocol compares and keys maps by an
 // integer. Copies share the text. Equality is by hash alone: equal hashes are one name.
 class StringHash {
-  public:
+public:
     StringHash();
     StringHash(const std::string& value);
     StringHash(const char* value);  // null gives the empty name

@@ -8,7 +8,7 @@ namespace Type {
 
 // A point in time as a signed count of microseconds since the Unix epoch. Zero means "not set".
 class Time {
-  public:
+public:
     static Time now();
 
     Time() : _microseconds(0) {}
@@ -38,7 +38,7 @@ class Time {
     bool operator==(const Time& other) const { return _microseconds == other._microseconds; }
     bool operator!=(const Time& other) const { return _microseconds != other._microseconds; }
 
-  private:
+private:
     long long _microseconds;
 };
 

@@ -29,13 +29,20 @@ State& state() {
 
 const char* levelName(int level) {
     switch (level) {
-        case Fatal: return "fatal";
-        case Error: return "error";
-        case Warning: return "warning";
-        case Info: return "info";
-        case Verbose: return "verbose";
-        case Debug: return "debug";
-        default: return "log";
+        case Fatal:
+            return "fatal";
+        case Error:
+            return "error";
+        case Warning:
+            return "warning";
+        case Info:
+            return "info";
+        case Verbose:
+            return "verbose";
+        case Debug:
+            return "debug";
+        default:
+            return "log";
     }
 }
 
@@ -54,7 +61,8 @@ void log(int level, const std::string& category, const std::string& message, con
         return;
     }
     if (level > s.verbosity.load(std::memory_order_relaxed)) return;
-    std::string line = std::string("[") + levelName(level) + "] " + category + ": " + message + "\n";
+    std::string line =
+        std::string("[") + levelName(level) + "] " + category + ": " + message + "\n";
     std::fputs(line.c_str(), stderr);  // one call, so lines of two threads do not interleave
 }
 
