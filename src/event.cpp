@@ -1,12 +1,26 @@
 #include "event.h"
 
+#include "scheduler.h"
+
 namespace Tessarity {
+
+Event::Event(const boost::weak_ptr<Process>& process, const boost::weak_ptr<Scheduler>& scheduler)
+    : _isCallback(false), _process(process), _scheduler(scheduler) {}
 
 Event::Event(Callback callback) : _isCallback(true), _callback(callback) {}
 
 void Event::raise(boost::shared_ptr<Data> data) {
-    // An empty callback throws boost::bad_function_call to the raiser, as boost::function does.
-    if (_isCallback) _callback(data);
+    if (_isCallback) {
+        // An empty callback throws boost::bad_function_call to the raiser.
+        _callback(data);
+        return;
+    }
+    boost::shared_ptr<Process> process = _process.lock();
+    boost::shared_ptr<Scheduler> scheduler = _scheduler.lock();
+    // The job runs the process for the value's time; a deleted process or a scheduler that
+    // is gone makes the event a no-op.
+    if (process && scheduler)
+        scheduler->addProcessToScheduledProcessList(process, data->getTimestamp());
 }
 
 }  // namespace Tessarity

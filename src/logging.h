@@ -2,6 +2,7 @@
 #define TESSARITY_LOGGING_H
 
 #include <sstream>
+#include <stdexcept>
 
 #include <kelvo/log.h>
 
@@ -13,6 +14,16 @@
         tesLogStream_ << expr;                                                            \
         ::kelvo::log::log((level), kLogCategory, tesLogStream_.str(), kLogFile, __func__, \
                           __LINE__);                                                      \
+    } while (0)
+
+// Logs an error line and throws the same text as std::invalid_argument, for the operations
+// that report a bad name by an exception.
+#define TES_THROW(expr)                                     \
+    do {                                                    \
+        std::ostringstream tesThrowStream_;                 \
+        tesThrowStream_ << expr;                            \
+        TES_LOG(::kelvo::log::Error, tesThrowStream_.str()); \
+        throw std::invalid_argument(tesThrowStream_.str()); \
     } while (0)
 
 #endif

@@ -87,8 +87,11 @@ void NodeSource::setData(const boost::shared_ptr<Data>& data) {
         _lastData = data;
     }
     // Outside the lock, so that a callback may set this very source again.
-    if (data)
-        for (const boost::shared_ptr<Event>& event : _events) event->raise(data);
+    if (data) _raise(data);
+}
+
+void NodeSource::_raise(const boost::shared_ptr<Data>& data) {
+    for (const boost::shared_ptr<Event>& event : _events) event->raise(data);
 }
 
 boost::shared_ptr<Data> NodeSource::getData(const Type::Time&, const Type::Duration&) const {

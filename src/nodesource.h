@@ -42,8 +42,10 @@ protected:
                       long long depth) override;
     void _synchronizeRelease(const StringHash& process, const StringHash& request,
                              long long depth) override;
+    // Raises the events in order of adding; the caller holds no lock of this source.
+    void _raise(const boost::shared_ptr<Data>& data);
 
-private:
+    // The variants of a source change where a run's snapshot comes from, under these fields.
     boost::shared_ptr<Data> _lastData;
     mutable boost::mutex _sourceMutex;
     std::vector<boost::shared_ptr<Event>> _events;

@@ -3,38 +3,70 @@
 
 #include <atomic>
 #include <memory>
+#include <set>
+#include <utility>
 #include <vector>
 
+#include <boost/shared_ptr.hpp>
 #include <boost/thread/condition_variable.hpp>
 #include <boost/thread/mutex.hpp>
 #include <boost/thread/thread.hpp>
 
+#include <tessarity/time.h>
+
 namespace Tessarity {
 
+class Process;
 class TessarityPrivate;
 
-// The pool of workers that runs processes without being asked. Workers exist from start()
-// to stop(); with no process to run they wait, waking at once when stopped.
+// The pool of workers that runs processes without being asked. One cycle of the schedule
+// holds a process of priority p 2^(p-1) times; workers take jobs from a copy of it, from its
+// back, and the worker that finds the copy empty refills it and sleeps until the next process
+// is due. Events put a job at the back, so it is the next one taken.
 class Scheduler {
 public:
+    // A time of zero runs the process for the time at which the job starts.
+    typedef std::pair<boost::shared_ptr<Process>, Type::Time> Job;
+
     Scheduler(TessarityPrivate* owner, unsigned int threadCount);
     ~Scheduler();
 
     // A second start, or a second stop, does nothing. Both always return true.
     bool start();
     bool stop();
+    // Rebuilds the cycle from the registry; called after every change that affects it.
+    bool update();
+    std::vector<boost::shared_ptr<Process>> getScheduledProcessList() const;
+    // Wakes a sleeping worker at once, so an event's job does not wait out a sleep.
+    bool addProcessToScheduledProcessList(const boost::shared_ptr<Process>& process,
+                                          const Type::Time& time);
 
 private:
+    typedef std::pair<boost::shared_ptr<Process>, unsigned int> Count;
+
     void run();
+    Job getNextJob();
+    static bool processSort(const Count& a, const Count& b);
+    static void buildSchedulingList(std::vector<Job>* out, std::vector<Count>* list);
+    // Sleeps up to `milliseconds`; returns early on stop or when a job has been added since
+    // `generation` was read.
+    void _sleep(long long milliseconds, unsigned long generation);
+    void _wake();
 
     TessarityPrivate* _owner;
     std::atomic<bool> _running;
     boost::mutex _startStopMutex;
-    // Lets stop() cut a worker's idle wait short.
-    boost::mutex _wakeMutex;
-    boost::condition_variable _wake;
+    std::vector<Job> _jobs;
+    boost::mutex _jobMutex;
+    std::set<boost::shared_ptr<Process>> _runningProcesses;
+    std::vector<Job> _schedule;
+    mutable boost::mutex _scheduleMutex;
     unsigned int _threadCount;
     std::vector<std::unique_ptr<boost::thread>> _threads;
+    // A leaf lock: cuts the workers' sleeps short.
+    boost::mutex _wakeMutex;
+    boost::condition_variable _wakeCondition;
+    std::atomic<unsigned long> _generation;
 };
 
 }  // namespace Tessarity

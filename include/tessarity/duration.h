@@ -5,6 +5,17 @@ namespace Tessarity {
 namespace Type {
 
 // A signed count of microseconds. Kept to one integer so that it passes by value for free.
+// Time arithmetic wraps on overflow, as the machine's 64-bit registers do, instead of
+// leaving the result undefined: the period of a process of frequency 0 relies on it.
+inline long long wrappingAdd(long long a, long long b) {
+    return static_cast<long long>(static_cast<unsigned long long>(a) +
+                                  static_cast<unsigned long long>(b));
+}
+inline long long wrappingSub(long long a, long long b) {
+    return static_cast<long long>(static_cast<unsigned long long>(a) -
+                                  static_cast<unsigned long long>(b));
+}
+
 class Duration {
 public:
     static Duration Hours(long long hours) { return Duration(hours * 3600000000LL); }
@@ -24,10 +35,10 @@ public:
     void sleep() const;
 
     Duration operator+(const Duration& other) const {
-        return Duration(_microseconds + other._microseconds);
+        return Duration(wrappingAdd(_microseconds, other._microseconds));
     }
     Duration operator-(const Duration& other) const {
-        return Duration(_microseconds - other._microseconds);
+        return Duration(wrappingSub(_microseconds, other._microseconds));
     }
     // Computed in single precision: about seven significant digits survive.
     Duration operator*(float factor) const;

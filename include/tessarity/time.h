@@ -19,13 +19,13 @@ public:
     long long getTotalSeconds() const { return _microseconds / 1000000; }
 
     Duration operator-(const Time& other) const {
-        return Duration(_microseconds - other._microseconds);
+        return Duration(wrappingSub(_microseconds, other._microseconds));
     }
     Time operator+(const Duration& shift) const {
-        return Time(_microseconds + shift.getTotalMicroseconds());
+        return Time(wrappingAdd(_microseconds, shift.getTotalMicroseconds()));
     }
     Time operator-(const Duration& shift) const {
-        return Time(_microseconds - shift.getTotalMicroseconds());
+        return Time(wrappingSub(_microseconds, shift.getTotalMicroseconds()));
     }
     // These return the new value, not a reference: chaining does not write back.
     Time operator+=(const Duration& shift) { return *this = *this + shift; }

@@ -1,0 +1,156 @@
+#include "nodefilter.h"
+
+#include <boost/make_shared.hpp>
+
+#include "filter.h"
+#include "logging.h"
+#include "port.h"
+
+namespace Tessarity {
+
+namespace {
+const char* const kLogCategory = "tessarity.nodeFilter";
+const char* const kLogFile = "src/nodefilter";
+}  // namespace
+
+NodeFilter::NodeFilter(const std::string& name, boost::shared_ptr<Filter> filter)
+    : Node(name), _filter(filter) {
+    std::ostringstream suffix;
+    suffix << "__" << static_cast<const void*>(this);
+    _contextSuffix = suffix.str();
+    if (!_filter) return;
+    // The filter's ports stay the roots of the chains: their types and defaults show through.
+    for (const boost::shared_ptr<Port>& port : _filter->getInputs())
+        addInput(boost::make_shared<Port>(port->getName(), port, this));
+    for (const boost::shared_ptr<Port>& port : _filter->getOutputs())
+        addOutput(boost::make_shared<Port>(port->getName(), port, this));
+}
+
+NodeFilter::~NodeFilter() {
+    if (!_resultCounts.empty())
+        TES_LOG(kelvo::log::Fatal, getName() << "->~NodeFilter(): There is still count to entry cache:"
+                                             << "\n"
+                                             << _describeCounts(_resultCounts));
+}
+
+StringHash NodeFilter::_filterRequest(const StringHash& request) const {
+    return StringHash(request.getText() + _contextSuffix);
+}
+
+void NodeFilter::_synchronize(const Type::Time& time, const Type::Duration& tolerance,
+                              const StringHash& process, const StringHash& request,
+                              long long depth) {
+    if (!_filter) {
+        TES_LOG(kelvo::log::Fatal,
+                getName() << "->_synchronize(" << process << "): Filter node doesn't own a filter !");
+        return;
+    }
+    // Read without _resultMutex: the releases that change it run under the same
+    // synchronizeMutex that the caller holds.
+    if (_resultCounts.find(request.getHash()) == _resultCounts.end())
+        _filter->synchronize(time, tolerance, process, _filterRequest(request), depth);
+    boost::mutex::scoped_lock lock(_resultMutex);
+    ++_resultCounts[request.getHash()];
+}
+
+void NodeFilter::_synchronizeRelease(const StringHash& process, const StringHash& request,
+                                     long long depth) {
+    bool last;
+    {
+        boost::mutex::scoped_lock lock(_resultMutex);
+        auto count = _resultCounts.find(request.getHash());
+        if (count == _resultCounts.end()) {
+            lock.unlock();
+            TES_LOG(kelvo::log::Fatal, getName() << "->_synchronizeRelease(" << process
+                                                 << "): Invalid release on process " << process);
+            return;
+        }
+        last = --count->second == 0;
+        if (last) {
+            _resultCounts.erase(count);
+            _results.erase(request.getHash());
+        }
+    }
+    if (!_filter) {
+        TES_LOG(kelvo::log::Fatal, getName() << "->_synchronizeRelease(" << process
+                                             << "): Filter node doesn't own a filter !");
+        return;
+    }
+    if (last) _filter->synchronizeRelease(process, _filterRequest(request), depth);
+}
+
+boost::shared_ptr<Data> NodeFilter::requestData(const StringHash& process,
+                                                const StringHash& request, long long depth,
+                                                boost::shared_ptr<Port> port) {
+    if (!port) {
+        TES_LOG(kelvo::log::Fatal,
+                getName() << "->requestData(" << process << "): No output port specified");
+        return boost::shared_ptr<Data>();
+    }
+    std::vector<boost::shared_ptr<Data>> produced;
+    bool cached;
+    {
+        boost::mutex::scoped_lock lock(_resultMutex);
+        auto result = _results.find(request.getHash());
+        cached = result != _results.end();
+        if (cached) produced = result->second;
+    }
+    if (!cached) {
+        // A missing required input stops the computation, but every input is still walked
+        // so that each count taken in the synchronize pass is released.
+        std::vector<boost::shared_ptr<Data>> inputs;
+        inputs.reserve(getInputs().size());
+        bool complete = true;
+        for (const boost::shared_ptr<Port>& input : getInputs()) {
+            boost::shared_ptr<Data> value;
+            if (complete) {
+                value = input->requestData(process, request, depth + 1);
+                if (!value) value = input->getDefaultData();
+                if (!value) complete = input->isOptional();
+            } else {
+                input->requestEmpty(process, request, depth + 1);
+            }
+            inputs.push_back(value);
+            input->synchronizeRelease(process, request, depth + 1);
+        }
+        // The filter runs outside every lock of the node.
+        const StringHash filterRequest = _filterRequest(request);
+        if (!_filter) {
+            // Reported at synchronize; without a filter the node answers nothing.
+        } else if (complete) {
+            produced = _filter->applyFilter(inputs, process, filterRequest, depth);
+        } else {
+            _filter->abortFilter(process, filterRequest, depth);
+        }
+        boost::mutex::scoped_lock lock(_resultMutex);
+        _results[request.getHash()] = produced;
+    }
+    // A composite asks through its exported port, whose parent is this node's port.
+    const std::vector<boost::shared_ptr<Port>>& outputs = getOutputs();
+    for (Port* p = port.get(); p; p = p->getParent().get())
+        for (std::size_t i = 0; i < outputs.size(); ++i)
+            if (outputs[i].get() == p && i < produced.size()) return produced[i];
+    return boost::shared_ptr<Data>();
+}
+
+void NodeFilter::requestEmpty(const StringHash& process, const StringHash& request,
+                              long long depth, boost::shared_ptr<Port> port) {
+    if (!port) {
+        TES_LOG(kelvo::log::Fatal,
+                getName() << "->requestEmpty(" << process << "): No output port specified");
+        return;
+    }
+    {
+        boost::mutex::scoped_lock lock(_resultMutex);
+        if (_results.find(request.getHash()) != _results.end()) return;
+    }
+    for (const boost::shared_ptr<Port>& input : getInputs()) {
+        input->requestEmpty(process, request, depth + 1);
+        input->synchronizeRelease(process, request, depth + 1);
+    }
+    if (_filter) _filter->abortFilter(process, _filterRequest(request), depth);
+    boost::mutex::scoped_lock lock(_resultMutex);
+    _results[request.getHash()] = std::vector<boost::shared_ptr<Data>>();
+}
+
+}  // namespace Tessarity

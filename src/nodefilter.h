@@ -1,0 +1,52 @@
+#ifndef TESSARITY_NODEFILTER_H
+#define TESSARITY_NODEFILTER_H
+
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+#include <boost/thread/mutex.hpp>
+#include <boost/unordered_map.hpp>
+
+#include "node.h"
+
+namespace Tessarity {
+
+class Filter;
+
+// Places a filter at one spot of a graph. It computes once per request, keeps the outputs
+// while consumers remain, and releases its inputs at the computing pull. The filter sees a
+// request made longer by this node's own suffix, so one filter object in many nodes keeps
+// its memory apart per node.
+class NodeFilter : public Node {
+public:
+    NodeFilter(const std::string& name, boost::shared_ptr<Filter> filter);
+    ~NodeFilter() override;
+
+    boost::shared_ptr<Data> requestData(const StringHash& process, const StringHash& request,
+                                        long long depth, boost::shared_ptr<Port> port) override;
+    void requestEmpty(const StringHash& process, const StringHash& request, long long depth,
+                      boost::shared_ptr<Port> port) override;
+
+    const boost::shared_ptr<Filter>& getFilter() const { return _filter; }
+
+protected:
+    void _synchronize(const Type::Time& time, const Type::Duration& tolerance,
+                      const StringHash& process, const StringHash& request,
+                      long long depth) override;
+    void _synchronizeRelease(const StringHash& process, const StringHash& request,
+                             long long depth) override;
+
+private:
+    StringHash _filterRequest(const StringHash& request) const;
+
+    std::string _contextSuffix;
+    boost::shared_ptr<Filter> _filter;
+    boost::unordered_map<unsigned long, std::vector<boost::shared_ptr<Data>>> _results;
+    boost::unordered_map<unsigned long, int> _resultCounts;
+    boost::mutex _resultMutex;
+};
+
+}  // namespace Tessarity
+
+#endif

@@ -1,0 +1,51 @@
+#include "nodesink.h"
+
+#include <boost/make_shared.hpp>
+
+#include "event.h"
+#include "port.h"
+
+namespace Tessarity {
+
+NodeSink::NodeSink(const std::string& name) : Node(name) {
+    addInput(boost::make_shared<Port>("in", boost::shared_ptr<Port>(), this));
+}
+
+boost::shared_ptr<Data> NodeSink::requestData(const StringHash& process,
+                                              const StringHash& request, long long depth,
+                                              boost::shared_ptr<Port>) {
+    const boost::shared_ptr<Port>& in = getInputs().front();
+    boost::shared_ptr<Data> result = in->requestData(process, request, depth + 1);
+    in->synchronizeRelease(process, request, depth + 1);
+    Node::synchronizeRelease(process, request, depth);
+    {
+        boost::mutex::scoped_lock lock(_sinkMutex);
+        _lastData = result;
+    }
+    if (result)
+        for (const boost::shared_ptr<Event>& event : _events) event->raise(result);
+    return result;
+}
+
+void NodeSink::requestEmpty(const StringHash& process, const StringHash& request,
+                            long long depth, boost::shared_ptr<Port>) {
+    const boost::shared_ptr<Port>& in = getInputs().front();
+    in->requestEmpty(process, request, depth + 1);
+    in->synchronizeRelease(process, request, depth + 1);
+    Node::synchronizeRelease(process, request, depth);
+}
+
+void NodeSink::addEvent(boost::shared_ptr<Event> event) { _events.push_back(event); }
+
+boost::shared_ptr<Data> NodeSink::getLastData() const {
+    boost::mutex::scoped_lock lock(_sinkMutex);
+    return _lastData;
+}
+
+bool NodeSink::reset() {
+    boost::mutex::scoped_lock lock(_sinkMutex);
+    _lastData.reset();
+    return true;
+}
+
+}  // namespace Tessarity
