@@ -8,7 +8,7 @@
 
 namespace Tessarity {
 
-// The lexer of the program language and the parser of literal values (Part 6.1). All of
+// The lexer of the program language and the parser of literal values. All of
 // these are pure and work on bytes: a byte at or above 0x80 is never a digit, a letter or
 // white space. Their edges define what the language accepts, odd ones included.
 

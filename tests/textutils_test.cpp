@@ -1,4 +1,4 @@
-// Part 6.1: the text utilities, the lexer of the program language and the parser of literal
+// The text utilities, the lexer of the program language and the parser of literal
 // values. Their edges define what the language accepts, so every expected value is written
 // out byte by byte, odd ones included. Strings with zero bytes use the ""s literal.
 

@@ -14,6 +14,7 @@
 #include <tessarity/duration.h>
 #include <tessarity/stringhash.h>
 #include <tessarity/time.h>
+#include <tessarity/usersource.h>
 
 namespace Tessarity {
 
