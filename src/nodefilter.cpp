@@ -33,8 +33,13 @@ NodeFilter::~NodeFilter() {
                                              << _describeCounts(_resultCounts));
 }
 
-StringHash NodeFilter::_filterRequest(const StringHash& request) const {
-    return StringHash(request.getText() + _contextSuffix);
+StringHash NodeFilter::_filterRequest(const StringHash& request) {
+    boost::mutex::scoped_lock lock(_resultMutex);
+    auto known = _filterRequests.find(request.getHash());
+    if (known != _filterRequests.end()) return known->second;
+    StringHash filterRequest(request.getText() + _contextSuffix);
+    _filterRequests.emplace(request.getHash(), filterRequest);
+    return filterRequest;
 }
 
 void NodeFilter::_synchronize(const Type::Time& time, const Type::Duration& tolerance,

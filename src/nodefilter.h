@@ -38,13 +38,16 @@ protected:
                              long long depth) override;
 
 private:
-    StringHash _filterRequest(const StringHash& request) const;
+    // The request the filter sees: `request` followed by this node's suffix. Requests are
+    // the same from run to run, so each one is made once and kept.
+    StringHash _filterRequest(const StringHash& request);
 
     std::string _contextSuffix;
     boost::shared_ptr<Filter> _filter;
     boost::unordered_map<unsigned long, std::vector<boost::shared_ptr<Data>>> _results;
     boost::unordered_map<unsigned long, int> _resultCounts;
     boost::mutex _resultMutex;
+    boost::unordered_map<unsigned long, StringHash> _filterRequests;  // under _resultMutex
 };
 
 }  // namespace Tessarity
