@@ -2,14 +2,13 @@
 
 #include <boost/make_shared.hpp>
 
-#include "event.h"
 #include "nodesink.h"
 
 namespace Tessarity {
 
 AggregatedSink::AggregatedSink(const std::string& name) : _name(name) {}
 
-void AggregatedSink::addEvent(boost::shared_ptr<Event> event) { _events.push_back(event); }
+void AggregatedSink::addEvent(boost::shared_ptr<Event> event) { _events.add(event); }
 
 bool AggregatedSink::addSink(boost::shared_ptr<NodeSink> sink) {
     return _sinks.emplace(sink->getName(), sink).second;
@@ -38,7 +37,7 @@ void AggregatedSink::update() {
         boost::mutex::scoped_lock lock(_sinkMutex);
         _lastData = combined;
     }
-    for (const boost::shared_ptr<Event>& event : _events) event->raise(combined);
+    _events.raise(combined);
 }
 
 }  // namespace Tessarity

@@ -10,6 +10,8 @@
 
 #include <tessarity/data.h>
 
+#include "eventlist.h"
+
 namespace Tessarity {
 
 class Event;
@@ -21,9 +23,8 @@ class AggregatedSink {
 public:
     explicit AggregatedSink(const std::string& name);
 
-    // Events and members are added while a process is built, so no lock is taken.
     void addEvent(boost::shared_ptr<Event> event);
-    // False, changing nothing, if a sink of that name is a member already.
+    // Members are added while a process is built, so no lock is taken. False, changing nothing, if a sink of that name is a member already.
     bool addSink(boost::shared_ptr<NodeSink> sink);
     const std::map<std::string, boost::shared_ptr<NodeSink>>& getSinks() const { return _sinks; }
     std::string getName() const { return _name; }
@@ -33,7 +34,7 @@ public:
     void update();
 
 private:
-    std::vector<boost::shared_ptr<Event>> _events;
+    EventList _events;
     std::map<std::string, boost::shared_ptr<NodeSink>> _sinks;
     std::string _name;
     boost::shared_ptr<Data> _lastData;

@@ -2,7 +2,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include "event.h"
 #include "port.h"
 
 namespace Tessarity {
@@ -22,8 +21,7 @@ boost::shared_ptr<Data> NodeSink::requestData(const StringHash& process,
         boost::mutex::scoped_lock lock(_sinkMutex);
         _lastData = result;
     }
-    if (result)
-        for (const boost::shared_ptr<Event>& event : _events) event->raise(result);
+    if (result) _events.raise(result);
     return result;
 }
 
@@ -35,7 +33,7 @@ void NodeSink::requestEmpty(const StringHash& process, const StringHash& request
     Node::synchronizeRelease(process, request, depth);
 }
 
-void NodeSink::addEvent(boost::shared_ptr<Event> event) { _events.push_back(event); }
+void NodeSink::addEvent(boost::shared_ptr<Event> event) { _events.add(event); }
 
 boost::shared_ptr<Data> NodeSink::getLastData() const {
     boost::mutex::scoped_lock lock(_sinkMutex);

@@ -7,6 +7,7 @@
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>
 
+#include "eventlist.h"
 #include "node.h"
 
 namespace Tessarity {
@@ -26,7 +27,6 @@ public:
     void requestEmpty(const StringHash& process, const StringHash& request, long long depth,
                       boost::shared_ptr<Port> port) override;
 
-    // Events are added while a process is built, so no lock is taken.
     void addEvent(boost::shared_ptr<Event> event);
     boost::shared_ptr<Data> getLastData() const;
     bool reset();
@@ -34,7 +34,7 @@ public:
 private:
     boost::shared_ptr<Data> _lastData;
     mutable boost::mutex _sinkMutex;
-    std::vector<boost::shared_ptr<Event>> _events;
+    EventList _events;
 };
 
 }  // namespace Tessarity

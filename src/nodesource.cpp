@@ -2,7 +2,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include "event.h"
 #include "logging.h"
 #include "port.h"
 
@@ -25,7 +24,7 @@ NodeSource::~NodeSource() {
                                        << _describeCounts(_snapshotCounts));
 }
 
-void NodeSource::addEvent(boost::shared_ptr<Event> event) { _events.push_back(event); }
+void NodeSource::addEvent(boost::shared_ptr<Event> event) { _events.add(event); }
 
 void NodeSource::addDependency(const std::string& process) { _dependencies.push_back(process); }
 
@@ -90,9 +89,7 @@ void NodeSource::setData(const boost::shared_ptr<Data>& data) {
     if (data) _raise(data);
 }
 
-void NodeSource::_raise(const boost::shared_ptr<Data>& data) {
-    for (const boost::shared_ptr<Event>& event : _events) event->raise(data);
-}
+void NodeSource::_raise(const boost::shared_ptr<Data>& data) { _events.raise(data); }
 
 boost::shared_ptr<Data> NodeSource::getData(const Type::Time&, const Type::Duration&) const {
     boost::mutex::scoped_lock lock(_sourceMutex);

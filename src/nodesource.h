@@ -8,6 +8,7 @@
 #include <boost/thread/mutex.hpp>
 #include <boost/unordered_map.hpp>
 
+#include "eventlist.h"
 #include "node.h"
 
 namespace Tessarity {
@@ -26,7 +27,6 @@ public:
     void requestEmpty(const StringHash& process, const StringHash& request, long long depth,
                       boost::shared_ptr<Port> port) override;
 
-    // Events are added while a graph is built, so no lock is taken.
     void addEvent(boost::shared_ptr<Event> event);
     void addDependency(const std::string& process);
     const std::vector<std::string>& getDependencies() const { return _dependencies; }
@@ -48,7 +48,7 @@ protected:
     // The variants of a source change where a run's snapshot comes from, under these fields.
     boost::shared_ptr<Data> _lastData;
     mutable boost::mutex _sourceMutex;
-    std::vector<boost::shared_ptr<Event>> _events;
+    EventList _events;
     boost::unordered_map<unsigned long, boost::shared_ptr<Data>> _snapshots;
     boost::unordered_map<unsigned long, int> _snapshotCounts;
     std::vector<std::string> _dependencies;
