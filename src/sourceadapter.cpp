@@ -1,0 +1,36 @@
+#include "sourceadapter.h"
+
+namespace Tessarity {
+
+SourceAdapter::SourceAdapter(boost::shared_ptr<UserSource> userSource)
+    : NodeSource(userSource ? userSource->getName() : std::string()), _userSource(userSource) {}
+
+void SourceAdapter::setData(const boost::shared_ptr<Data>& data) {
+    {
+        boost::mutex::scoped_lock lock(_sourceMutex);
+        if (_userSource) _userSource->setData(data);
+    }
+    // Outside the lock, as for any source: a callback may set this source again.
+    if (data) _raise(data);
+}
+
+boost::shared_ptr<Data> SourceAdapter::getData(const Type::Time& time,
+                                               const Type::Duration& tolerance) const {
+    boost::mutex::scoped_lock lock(_sourceMutex);
+    if (!_userSource) return boost::shared_ptr<Data>();
+    return _userSource->getData(time, tolerance);
+}
+
+void SourceAdapter::_synchronize(const Type::Time& time, const Type::Duration& tolerance,
+                                 const StringHash& process, const StringHash& request,
+                                 long long depth) {
+    NodeSource::_synchronize(time, tolerance, process, request, depth);
+    // The caller holds this node's synchronizeMutex, so no other synchronize or release can
+    // come between the count above and the read below.
+    boost::mutex::scoped_lock lock(_sourceMutex);
+    auto count = _snapshotCounts.find(process.getHash());
+    if (count != _snapshotCounts.end() && count->second == 1 && _userSource)
+        _snapshots[process.getHash()] = _userSource->getData(time, tolerance);
+}
+
+}  // namespace Tessarity
