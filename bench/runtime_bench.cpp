@@ -29,8 +29,8 @@ public:
         _addOutput("out");
     }
     std::vector<boost::shared_ptr<Data>> applyFilter(
-        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&,
-        const StringHash&, long long) override {
+        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
+        long long) override {
         return inputs;
     }
 };
@@ -123,9 +123,9 @@ static void EventLatency(benchmark::State& state) {
             seen = expected;
             continue;
         }
-        latencies.push_back(std::chrono::duration<double, std::micro>(
-                                std::chrono::steady_clock::now() - start)
-                                .count());
+        latencies.push_back(
+            std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+                .count());
     }
     std::sort(latencies.begin(), latencies.end());
     state.counters["median_us"] = latencies[latencies.size() / 2];

@@ -24,7 +24,8 @@ public:
     explicit AggregatedSink(const std::string& name);
 
     void addEvent(boost::shared_ptr<Event> event);
-    // Members are added while a process is built, so no lock is taken. False, changing nothing, if a sink of that name is a member already.
+    // Members are added while a process is built, so no lock is taken. False, changing nothing, if
+    // a sink of that name is a member already.
     bool addSink(boost::shared_ptr<NodeSink> sink);
     const std::map<std::string, boost::shared_ptr<NodeSink>>& getSinks() const { return _sinks; }
     std::string getName() const { return _name; }

@@ -18,12 +18,12 @@
 
 // Logs an error line and throws the same text as std::invalid_argument, for the operations
 // that report a bad name by an exception.
-#define TES_THROW(expr)                                     \
-    do {                                                    \
-        std::ostringstream tesThrowStream_;                 \
-        tesThrowStream_ << expr;                            \
+#define TES_THROW(expr)                                      \
+    do {                                                     \
+        std::ostringstream tesThrowStream_;                  \
+        tesThrowStream_ << expr;                             \
         TES_LOG(::kelvo::log::Error, tesThrowStream_.str()); \
-        throw std::invalid_argument(tesThrowStream_.str()); \
+        throw std::invalid_argument(tesThrowStream_.str());  \
     } while (0)
 
 #endif

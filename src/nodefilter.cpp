@@ -28,9 +28,10 @@ NodeFilter::NodeFilter(const std::string& name, boost::shared_ptr<Filter> filter
 
 NodeFilter::~NodeFilter() {
     if (!_resultCounts.empty())
-        TES_LOG(kelvo::log::Fatal, getName() << "->~NodeFilter(): There is still count to entry cache:"
-                                             << "\n"
-                                             << _describeCounts(_resultCounts));
+        TES_LOG(kelvo::log::Fatal, getName()
+                                       << "->~NodeFilter(): There is still count to entry cache:"
+                                       << "\n"
+                                       << _describeCounts(_resultCounts));
 }
 
 StringHash NodeFilter::_filterRequest(const StringHash& request) {
@@ -46,8 +47,8 @@ void NodeFilter::_synchronize(const Type::Time& time, const Type::Duration& tole
                               const StringHash& process, const StringHash& request,
                               long long depth) {
     if (!_filter) {
-        TES_LOG(kelvo::log::Fatal,
-                getName() << "->_synchronize(" << process << "): Filter node doesn't own a filter !");
+        TES_LOG(kelvo::log::Fatal, getName() << "->_synchronize(" << process
+                                             << "): Filter node doesn't own a filter !");
         return;
     }
     // Read without _resultMutex: the releases that change it run under the same
@@ -138,8 +139,8 @@ boost::shared_ptr<Data> NodeFilter::requestData(const StringHash& process,
     return boost::shared_ptr<Data>();
 }
 
-void NodeFilter::requestEmpty(const StringHash& process, const StringHash& request,
-                              long long depth, boost::shared_ptr<Port> port) {
+void NodeFilter::requestEmpty(const StringHash& process, const StringHash& request, long long depth,
+                              boost::shared_ptr<Port> port) {
     if (!port) {
         TES_LOG(kelvo::log::Fatal,
                 getName() << "->requestEmpty(" << process << "): No output port specified");

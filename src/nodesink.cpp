@@ -10,9 +10,8 @@ NodeSink::NodeSink(const std::string& name) : Node(name) {
     addInput(boost::make_shared<Port>("in", boost::shared_ptr<Port>(), this));
 }
 
-boost::shared_ptr<Data> NodeSink::requestData(const StringHash& process,
-                                              const StringHash& request, long long depth,
-                                              boost::shared_ptr<Port>) {
+boost::shared_ptr<Data> NodeSink::requestData(const StringHash& process, const StringHash& request,
+                                              long long depth, boost::shared_ptr<Port>) {
     const boost::shared_ptr<Port>& in = getInputs().front();
     boost::shared_ptr<Data> result = in->requestData(process, request, depth + 1);
     in->synchronizeRelease(process, request, depth + 1);
@@ -25,8 +24,8 @@ boost::shared_ptr<Data> NodeSink::requestData(const StringHash& process,
     return result;
 }
 
-void NodeSink::requestEmpty(const StringHash& process, const StringHash& request,
-                            long long depth, boost::shared_ptr<Port>) {
+void NodeSink::requestEmpty(const StringHash& process, const StringHash& request, long long depth,
+                            boost::shared_ptr<Port>) {
     const boost::shared_ptr<Port>& in = getInputs().front();
     in->requestEmpty(process, request, depth + 1);
     in->synchronizeRelease(process, request, depth + 1);

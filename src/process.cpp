@@ -95,7 +95,7 @@ bool Process::setFrequency(float frequency) {
 bool Process::setTolerance(const Type::Duration& tolerance) {
     if (tolerance.getTotalMicroseconds() < 0) {
         TES_THROW("Can't set tolerance for process \"" << getName() << "\": "
-                                                        << " tolerance must be positive.");
+                                                       << " tolerance must be positive.");
     }
     _tolerance = tolerance.getTotalMicroseconds();
     return true;
@@ -157,10 +157,11 @@ bool Process::update(const Type::Time& time) {
 }
 
 boost::shared_ptr<Data> Process::getData(const std::string& sink, const Type::Time& time) {
-    if (_sinks.find(sink) == _sinks.end() && _aggregatedSinks.find(sink) == _aggregatedSinks.end()) {
+    if (_sinks.find(sink) == _sinks.end() &&
+        _aggregatedSinks.find(sink) == _aggregatedSinks.end()) {
         TES_THROW("Can't get data(\"" << sink << "\"): "
-                                       << "the process " << getName()
-                                       << " doesn't own this sink node.");
+                                      << "the process " << getName()
+                                      << " doesn't own this sink node.");
     }
     update(time);
     return getLastData(sink);
@@ -171,8 +172,8 @@ boost::shared_ptr<Data> Process::getLastData(const std::string& sink) const {
     auto single = _sinks.find(sink);
     if (aggregated == _aggregatedSinks.end() && single == _sinks.end()) {
         TES_THROW("Can't get last data(\"" << sink << "\"): "
-                                            << "the process " << getName()
-                                            << " doesn't own this sink node.");
+                                           << "the process " << getName()
+                                           << " doesn't own this sink node.");
     }
     if (!isLive()) return boost::shared_ptr<Data>();
     // A group wins over a sink of the same name.

@@ -1,7 +1,5 @@
 #include <tessarity/tessarity.h>
 
-#include <boost/make_shared.hpp>
-
 #include "tessarity_p.h"
 
 namespace Tessarity {
@@ -9,9 +7,63 @@ namespace Tessarity {
 Tessarity::Tessarity(unsigned int threadCount)
     : _d(boost::make_shared<TessarityPrivate>(threadCount)) {}
 
+boost::shared_ptr<Data> Tessarity::getData(const std::string& sink) { return _d->getData(sink); }
+
+boost::shared_ptr<Data> Tessarity::getData(const std::string& sink, const Type::Time& time) {
+    return _d->getData(sink, time);
+}
+
+boost::shared_ptr<Data> Tessarity::getLastData(const std::string& sink) const {
+    return _d->getLastData(sink);
+}
+
+std::vector<std::string> Tessarity::getFilters() const { return _d->getFilters(); }
+
+bool Tessarity::isFilter(const std::string& name) const { return _d->isFilter(name); }
+
+std::string Tessarity::getFilterDescription(const std::string& name) const {
+    return _d->getFilterDescription(name);
+}
+
+std::vector<std::string> Tessarity::getFilterInputs(const std::string& name) const {
+    return _d->getFilterInputs(name);
+}
+
+std::vector<std::string> Tessarity::getFilterOutputs(const std::string& name) const {
+    return _d->getFilterOutputs(name);
+}
+
+bool Tessarity::deleteFilter(const std::string& name) { return _d->deleteFilter(name); }
+
 std::vector<std::string> Tessarity::getSources() const { return _d->getSources(); }
 
 bool Tessarity::createSource(const std::string& name) { return _d->createSource(name); }
+
+bool Tessarity::createSource(boost::shared_ptr<UserSource> source) {
+    return _d->createSource(source);
+}
+
+bool Tessarity::createSourceFromProcessSink(const std::string& name, const std::string& sink) {
+    return _d->createSourceFromProcessSink(name, sink);
+}
+
+bool Tessarity::createSourceAlias(const std::string& alias, const std::string& source) {
+    return _d->createSourceAlias(alias, source);
+}
+
+bool Tessarity::renameSourceAlias(const std::string& alias, const std::string& newAlias) {
+    return _d->renameSourceAlias(alias, newAlias);
+}
+
+bool Tessarity::retargetSourceAlias(const std::string& alias, const std::string& source) {
+    return _d->retargetSourceAlias(alias, source);
+}
+
+bool Tessarity::isSourceBound(const std::string& name) const { return _d->isSourceBound(name); }
+
+float Tessarity::getSourceFrequency(const std::string& name) const {
+    return _d->getSourceFrequency(name);
+}
 
 void Tessarity::setData(const std::string& source, boost::shared_ptr<Data> data) {
     _d->setData(source, data);
@@ -28,6 +80,106 @@ boost::shared_ptr<Data> Tessarity::getSourceData(const std::string& source, cons
 }
 
 bool Tessarity::deleteSource(const std::string& name) { return _d->deleteSource(name); }
+
+std::vector<std::string> Tessarity::getProcesses() const { return _d->getProcesses(); }
+
+bool Tessarity::isProcess(const std::string& name) const { return _d->isProcess(name); }
+
+std::string Tessarity::getProcessDescription(const std::string& name) const {
+    return _d->getProcessDescription(name);
+}
+
+bool Tessarity::setProcessDescription(const std::string& name, const std::string& description) {
+    return _d->setProcessDescription(name, description);
+}
+
+std::vector<std::string> Tessarity::getProcessSources(const std::string& name) const {
+    return _d->getProcessSources(name);
+}
+
+std::vector<std::string> Tessarity::getProcessSinks(const std::string& name) const {
+    return _d->getProcessSinks(name);
+}
+
+std::vector<std::string> Tessarity::getProcessAggregatedSinks(const std::string& name) const {
+    return _d->getProcessAggregatedSinks(name);
+}
+
+unsigned int Tessarity::getProcessPriority(const std::string& name) const {
+    return _d->getProcessPriority(name);
+}
+
+float Tessarity::getProcessFrequency(const std::string& name) const {
+    return _d->getProcessFrequency(name);
+}
+
+Type::Duration Tessarity::getProcessTolerance(const std::string& name) const {
+    return _d->getProcessTolerance(name);
+}
+
+void Tessarity::setProcessPriority(const std::string& name, unsigned int priority) {
+    _d->setProcessPriority(name, priority);
+}
+
+void Tessarity::setProcessFrequency(const std::string& name, float frequency) {
+    _d->setProcessFrequency(name, frequency);
+}
+
+void Tessarity::setProcessTolerance(const std::string& name, const Type::Duration& tolerance) {
+    _d->setProcessTolerance(name, tolerance);
+}
+
+bool Tessarity::createProcess(const std::string& name, const std::string& filter,
+                              const Pairs& inputs, const Pairs& outputs, const Pairs& triggers,
+                              const Pairs& sources, unsigned int priority, float frequency,
+                              const Type::Duration& tolerance) {
+    return _d->createProcess(name, filter, inputs, outputs, triggers, sources, priority, frequency,
+                             tolerance);
+}
+
+bool Tessarity::renameProcess(const std::string& name, const std::string& newName) {
+    return _d->renameProcess(name, newName);
+}
+
+bool Tessarity::resetProcess(const std::string& name) { return _d->resetProcess(name); }
+
+bool Tessarity::isProcessEnable(const std::string& name) const { return _d->isProcessEnable(name); }
+
+bool Tessarity::isProcessZombie(const std::string& name) const { return _d->isProcessZombie(name); }
+
+bool Tessarity::enableProcess(const std::string& name) { return _d->enableProcess(name); }
+
+bool Tessarity::disableProcess(const std::string& name) { return _d->disableProcess(name); }
+
+bool Tessarity::deleteProcess(const std::string& name) { return _d->deleteProcess(name); }
+
+std::vector<std::string> Tessarity::getScheduledJobs() const { return _d->getScheduledJobs(); }
+
+std::string Tessarity::getInstrumentationResult() const { return _d->getInstrumentationResult(); }
+
+bool Tessarity::createEvent(const std::string& sink, Callback callback) {
+    return _d->createEvent(sink, callback);
+}
+
+bool Tessarity::createEvent(const std::string& sink, const std::string& process) {
+    return _d->createEvent(sink, process);
+}
+
+bool Tessarity::createSourceEvent(const std::string& source, Callback callback) {
+    return _d->createSourceEvent(source, callback);
+}
+
+bool Tessarity::createSourceEvent(const std::string& source, const std::string& process) {
+    return _d->createSourceEvent(source, process);
+}
+
+bool Tessarity::createEvent(const std::string& sink, const char* process) {
+    return _d->createEvent(sink, std::string(process));
+}
+
+bool Tessarity::createSourceEvent(const std::string& source, const char* process) {
+    return _d->createSourceEvent(source, std::string(process));
+}
 
 void Tessarity::startScheduler() { _d->startScheduler(); }
 

@@ -1,15 +1,34 @@
+// The engine's construction, its filter library, its sources and aliases, and the events
+// that the application attaches to sinks and sources. Processes are in tessarity_p_process.cpp.
 #include "tessarity_p.h"
 
-#include <set>
 #include <stdexcept>
 
 #include <boost/make_shared.hpp>
 
+#include <tessarity/usersource.h>
+
+#include "aggregatedsink.h"
+#include "event.h"
 #include "filter.h"
+#include "filters/dispatch.h"
+#include "filters/duplicate.h"
+#include "filters/head.h"
+#include "filters/identity.h"
+#include "filters/ifchanged.h"
+#include "filters/mandatory.h"
+#include "filters/multiplex.h"
+#include "filters/print.h"
 #include "logging.h"
+#include "nodeprocesssource.h"
+#include "nodesink.h"
 #include "nodesource.h"
+#include "nodesourcealias.h"
+#include "port.h"
 #include "process.h"
 #include "scheduler.h"
+#include "sourceadapter.h"
+#include "textutils.h"
 
 namespace Tessarity {
 
@@ -21,6 +40,18 @@ const char* const kLogFile = "src/tessarity_p";
 TessarityPrivate::TessarityPrivate(unsigned int threadCount) {
     _scheduler = boost::make_shared<Scheduler>(this, threadCount);
     _scheduler->start();
+
+    // The catalogue, in its order of registration; the workers already run and find nothing.
+    boost::mutex::scoped_lock lock(_filtersMutex);
+    _registerFilter(boost::make_shared<Filters::Dispatch>());
+    _registerFilter(boost::make_shared<Filters::Duplicate>());
+    _registerFilter(boost::make_shared<Filters::Head>());
+    _registerFilter(boost::make_shared<Filters::Identity>());
+    _registerFilter(boost::make_shared<Filters::IfChanged>());
+    _registerFilter(boost::make_shared<Filters::Multiplex>());
+    _registerFilter(boost::make_shared<Filters::Print>());
+    for (int i = 1; i <= 8; ++i)
+        _registerFilter(boost::make_shared<Filters::Mandatory>("Mandatory" + std::to_string(i), i));
 }
 
 TessarityPrivate::~TessarityPrivate() {
@@ -28,24 +59,113 @@ TessarityPrivate::~TessarityPrivate() {
     _scheduler->stop();
 }
 
+void TessarityPrivate::_registerFilter(const boost::shared_ptr<Filter>& filter) {
+    _filters[filter->getName()] = filter;
+    filter->bindMemoryManager(&_memoryManager);
+}
+
+// Filters.
+
+std::vector<std::string> TessarityPrivate::getFilters() const {
+    boost::mutex::scoped_lock lock(_filtersMutex);
+    std::vector<std::string> names;
+    for (const auto& filter : _filters) names.push_back(filter.first);
+    return names;
+}
+
+bool TessarityPrivate::isFilter(const std::string& name) const {
+    boost::mutex::scoped_lock lock(_filtersMutex);
+    return _filters.count(name) != 0;
+}
+
+std::string TessarityPrivate::getFilterDescription(const std::string& name) const {
+    boost::shared_ptr<Filter> filter;
+    {
+        boost::mutex::scoped_lock lock(_filtersMutex);
+        auto found = _filters.find(name);
+        if (found != _filters.end()) filter = found->second;
+    }
+    if (filter) return filter->getDescription();
+    TES_LOG(kelvo::log::Error, "getFilterDescription(\"" << name << "\"): filter not found.");
+    return std::string();
+}
+
+std::vector<std::string> TessarityPrivate::_portLines(const std::string& name, bool inputs,
+                                                      const char* operation) const {
+    boost::shared_ptr<Filter> filter;
+    {
+        boost::mutex::scoped_lock lock(_filtersMutex);
+        auto found = _filters.find(name);
+        if (found != _filters.end()) filter = found->second;
+    }
+    std::vector<std::string> lines;
+    if (!filter) {
+        TES_LOG(kelvo::log::Error, operation << "(\"" << name << "\"): filter not found.");
+        return lines;
+    }
+    // "optional [Integer, Float] size"
+    for (const boost::shared_ptr<Port>& port :
+         inputs ? filter->getInputs() : filter->getOutputs()) {
+        std::string line = port->isOptional() ? "optional " : "";
+        const std::vector<DataType>& types = port->getTypes();
+        for (std::size_t i = 0; i < types.size(); ++i)
+            line += (i ? ", " : "[") + Data::getTypeName(types[i]);
+        if (!types.empty()) line += "] ";
+        lines.push_back(line + port->getName());
+    }
+    return lines;
+}
+
+std::vector<std::string> TessarityPrivate::getFilterInputs(const std::string& name) const {
+    return _portLines(name, true, "getFilterInputs");
+}
+
+std::vector<std::string> TessarityPrivate::getFilterOutputs(const std::string& name) const {
+    return _portLines(name, false, "getFilterOutputs");
+}
+
+bool TessarityPrivate::deleteFilter(const std::string& name) {
+    // Processes and composites that use the filter keep their object.
+    boost::mutex::scoped_lock lock(_filtersMutex);
+    return _filters.erase(name) != 0;
+}
+
+// Sources.
+
 boost::shared_ptr<NodeSource> TessarityPrivate::_findSource(const std::string& name) const {
     auto source = _sources.find(name);
     return source == _sources.end() ? boost::shared_ptr<NodeSource>() : source->second;
 }
 
+boost::shared_ptr<NodeSource> TessarityPrivate::_findSourceOrAlias(const std::string& name) const {
+    if (boost::shared_ptr<NodeSource> source = _findSource(name)) return source;
+    auto alias = _sourceAliases.find(name);
+    return alias == _sourceAliases.end() ? boost::shared_ptr<NodeSource>() : alias->second;
+}
+
+boost::shared_ptr<Process> TessarityPrivate::_findProcess(const std::string& name) const {
+    auto process = _processes.find(name);
+    return process == _processes.end() ? boost::shared_ptr<Process>() : process->second;
+}
+
+void TessarityPrivate::_clearSourceBoundCache() {
+    boost::mutex::scoped_lock lock(_sourcesMutex);
+    _sourceBoundCache.clear();
+}
+
 std::vector<std::string> TessarityPrivate::getSources() const {
     boost::mutex::scoped_lock lock(_sourcesMutex);
     std::vector<std::string> names;
-    names.reserve(_sources.size());
     for (const auto& source : _sources) names.push_back(source.first);
     return names;
 }
 
 bool TessarityPrivate::createSource(const std::string& name) {
     {
-        boost::mutex::scoped_lock lock(_sourcesMutex);
-        if (_sources.find(name) == _sources.end()) {
-            _sources.emplace(name, boost::make_shared<NodeSource>(name));
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        if (!_findSourceOrAlias(name)) {
+            _sources[name] = boost::make_shared<NodeSource>(name);
             return true;
         }
     }
@@ -53,14 +173,209 @@ bool TessarityPrivate::createSource(const std::string& name) {
     return false;
 }
 
-void TessarityPrivate::setData(const std::string& source, boost::shared_ptr<Data> data) {
-    boost::shared_ptr<NodeSource> node;
+bool TessarityPrivate::createSource(boost::shared_ptr<UserSource> source) {
+    const std::string name = source->getName();
+    {
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        if (!_findSourceOrAlias(name)) {
+            _sources[name] = boost::make_shared<SourceAdapter>(source);
+            return true;
+        }
+    }
+    TES_LOG(kelvo::log::Error, "createSource(\"" << name << "\"): source already exists.");
+    return false;
+}
+
+bool TessarityPrivate::createSourceFromProcessSink(const std::string& name,
+                                                   const std::string& sink) {
+    std::ostringstream failure;
+    {
+        boost::mutex::scoped_lock processes(_processesMutex);
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        const std::string prefix =
+            "createSourceFromProcessSink(\"" + name + "\", \"" + sink + "\"): ";
+        const std::pair<std::string, std::string> names = splitString(":", sink);
+        boost::shared_ptr<Process> process;
+        if (_findSourceOrAlias(name)) {
+            failure << "createSourceFromProcessSink(\"" << name << "\"): source already exists.";
+        } else if (sink.find(':') == std::string::npos) {
+            failure << prefix << "impossible to find the specified process sink. Please make sure "
+                    << "to write the sink name as \"process_name:sink_name\".";
+        } else if (!(process = _findProcess(names.first))) {
+            failure << prefix << "impossible to find the specified process \"" << names.first
+                    << "\".";
+        } else if (!process->getSinks().count(names.second) &&
+                   !process->getAggregatedSinks().count(names.second)) {
+            failure << prefix << "impossible to find the specified sink \"" << names.second
+                    << "\" in the process \"" << names.first << "\".";
+        } else {
+            _sources[name] = boost::make_shared<NodeProcessSource>(name, process, names.second);
+            return true;
+        }
+    }
+    TES_LOG(kelvo::log::Error, failure.str());
+    return false;
+}
+
+bool TessarityPrivate::createSourceAlias(const std::string& alias, const std::string& source) {
+    std::ostringstream failure;
+    {
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        // Only a global source can be a target: an alias of an alias is refused.
+        boost::shared_ptr<NodeSource> target = _findSource(source);
+        if (!target) {
+            failure << "Can't create alias \"" << alias << "\": source \"" << source
+                    << "\" not found.";
+        } else if (_findSourceOrAlias(alias)) {
+            failure << "Can't create alias \"" << alias
+                    << "\": source or alias is already present.";
+        } else {
+            _sourceAliases[alias] = boost::make_shared<NodeSourceAlias>(alias, target);
+            _sourceAliasTargets[source].insert(alias);
+            return true;
+        }
+    }
+    TES_LOG(kelvo::log::Error, failure.str());
+    return false;
+}
+
+bool TessarityPrivate::renameSourceAlias(const std::string& alias, const std::string& newAlias) {
+    std::ostringstream failure;
+    {
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        auto found = _sourceAliases.find(alias);
+        if (_findSourceOrAlias(newAlias)) {
+            failure << "Can't rename alias \"" << alias << "\": \"" << newAlias
+                    << "\" is already in use.";
+        } else if (found == _sourceAliases.end()) {
+            failure << "Can't rename alias \"" << alias << "\": alias unknown.";
+        } else {
+            // The registry key changes; the node keeps the name it was made with.
+            boost::shared_ptr<NodeSourceAlias> node = found->second;
+            _sourceAliases.erase(found);
+            _sourceAliases[newAlias] = node;
+            std::set<std::string>& names = _sourceAliasTargets[node->getSource()->getName()];
+            names.erase(alias);
+            names.insert(newAlias);
+            return true;
+        }
+    }
+    TES_LOG(kelvo::log::Error, failure.str());
+    return false;
+}
+
+bool TessarityPrivate::retargetSourceAlias(const std::string& alias, const std::string& source) {
+    {
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        auto found = _sourceAliases.find(alias);
+        boost::shared_ptr<NodeSource> target = _findSource(source);
+        if (found != _sourceAliases.end() && target) {
+            _sourceAliasTargets[found->second->getSource()->getName()].erase(alias);
+            // Processes on the alias read the new source from their next run on.
+            found->second->setSource(target);
+            _sourceAliasTargets[source].insert(alias);
+            _sourceBoundCache.clear();
+            return true;
+        }
+    }
+    TES_LOG(kelvo::log::Error, "Can't retarget alias \"" << alias << "\" to  \"" << source
+                                                         << "\": alias or target unknown");
+    return false;
+}
+
+std::set<std::string> TessarityPrivate::_namesOf(const std::string& source) const {
+    std::set<std::string> names{source};
+    auto aliases = _sourceAliasTargets.find(source);
+    if (aliases != _sourceAliasTargets.end())
+        names.insert(aliases->second.begin(), aliases->second.end());
+    return names;
+}
+
+bool TessarityPrivate::isSourceBound(const std::string& name) const {
     {
         boost::mutex::scoped_lock lock(_sourcesMutex);
-        node = _findSource(source);
+        auto cached = _sourceBoundCache.find(name);
+        if (cached != _sourceBoundCache.end()) return cached->second;
+    }
+    // A process reads the source if it holds its name or the name of one of its aliases.
+    boost::mutex::scoped_lock processes(_processesMutex);
+    boost::mutex::scoped_lock sources(_sourcesMutex);
+    std::set<std::string> names;
+    {
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        names = _namesOf(name);
+    }
+    bool bound = false;
+    for (const auto& process : _processes) {
+        if (!process.second->isLive()) continue;
+        for (const std::string& read : names)
+            bound = bound || process.second->getSources().count(read);
+    }
+    _sourceBoundCache[name] = bound;
+    return bound;
+}
+
+float TessarityPrivate::getSourceFrequency(const std::string& name) const {
+    boost::mutex::scoped_lock processes(_processesMutex);
+    std::set<std::string> names;
+    {
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        names = _namesOf(name);
+    }
+    float frequency = 0.0f;
+    for (const auto& process : _processes) {
+        if (!process.second->isLive()) continue;
+        for (const std::string& read : names)
+            if (process.second->getSources().count(read) &&
+                process.second->getFrequency() > frequency)
+                frequency = process.second->getFrequency();
+    }
+    return frequency;
+}
+
+boost::shared_ptr<NodeSource> TessarityPrivate::_findProcessSource(const std::string& source,
+                                                                   bool forSet) const {
+    const std::pair<std::string, std::string> names = splitString(":", source);
+    boost::shared_ptr<Process> process;
+    boost::shared_ptr<NodeSource> node;
+    {
+        boost::mutex::scoped_lock lock(_processesMutex);
+        process = _findProcess(names.first);
+        if (process) {
+            auto found = process->getSources().find(names.second);
+            if (found != process->getSources().end()) node = found->second;
+        }
+    }
+    if (forSet && !process)
+        TES_THROW("Can't set data for source \"" << source << "\": process \"" << names.first
+                                                 << "\" not found.");
+    if (forSet && !node)
+        TES_THROW("Can't set data for source \"" << source << "\": source \"" << names.second
+                                                 << "\" not found.");
+    if (!process)
+        TES_THROW("Can't get data from source \"" << names.second << "\": process \"" << names.first
+                                                  << "\" unknown.");
+    if (!node)
+        TES_THROW("Can't get data from source \"" << names.second << "\": process \"" << names.first
+                                                  << "\" don't own this source.");
+    return node;
+}
+
+void TessarityPrivate::setData(const std::string& source, boost::shared_ptr<Data> data) {
+    boost::shared_ptr<NodeSource> node;
+    if (source.find(':') != std::string::npos) {
+        node = _findProcessSource(source, true);
+    } else {
+        boost::mutex::scoped_lock lock(_sourcesMutex);
+        node = _findSource(source);  // not an alias: data is set on the source itself
     }
     if (!node) TES_THROW("Can't set data for source \"" << source << "\": source unknown.");
-    // Called without the registry lock: the source raises its events here, and a callback
+    // Called without a registry lock: the source raises its events here, and a callback
     // may come back into the engine.
     node->setData(data);
 }
@@ -74,9 +389,12 @@ boost::shared_ptr<Data> TessarityPrivate::getSourceData(const std::string& sourc
                                                         const Type::Time& time,
                                                         const Type::Duration& tolerance) const {
     boost::shared_ptr<NodeSource> node;
-    {
-        boost::mutex::scoped_lock lock(_sourcesMutex);
-        node = _findSource(source);
+    if (source.find(':') != std::string::npos) {
+        node = _findProcessSource(source, false);
+    } else {
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        node = _findSourceOrAlias(source);
     }
     if (!node) TES_THROW("Can't get data from source \"" << source << "\": source unknown.");
     return node->getData(time, tolerance);
@@ -84,192 +402,123 @@ boost::shared_ptr<Data> TessarityPrivate::getSourceData(const std::string& sourc
 
 bool TessarityPrivate::deleteSource(const std::string& name) {
     {
-        // Processes hold their nodes themselves: removing the name disturbs none of them.
-        boost::mutex::scoped_lock lock(_sourcesMutex);
-        if (_sources.erase(name)) return true;
+        // Processes hold their nodes themselves: removing a name disturbs none of them, and
+        // aliases of a deleted source go on reading it.
+        boost::mutex::scoped_lock sources(_sourcesMutex);
+        boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+        if (_sources.erase(name)) {
+            _sourceAliasTargets.erase(name);
+            return true;
+        }
+        if (_sourceAliases.erase(name)) return true;
     }
     TES_LOG(kelvo::log::Error, "Can't delete source \"" << name << "\": source unknown.");
     return false;
 }
 
-std::vector<std::string> TessarityPrivate::getProcesses() const {
-    boost::mutex::scoped_lock lock(_processesMutex);
-    std::vector<std::string> names;
-    names.reserve(_processes.size());
-    for (const auto& process : _processes) names.push_back(process.first);
-    return names;
-}
+// Events.
 
-bool TessarityPrivate::isProcess(const std::string& name) const {
-    boost::mutex::scoped_lock lock(_processesMutex);
-    return _processes.find(name) != _processes.end();
-}
-
-bool TessarityPrivate::enableProcess(const std::string& name) {
+bool TessarityPrivate::_addSinkEvent(const std::string& sink,
+                                     const boost::shared_ptr<Event>& event) {
+    const std::pair<std::string, std::string> names = splitString(":", sink);
+    std::ostringstream failure;
     {
         boost::mutex::scoped_lock lock(_processesMutex);
-        auto process = _processes.find(name);
-        if (process == _processes.end()) {
-            lock.unlock();
-            TES_LOG(kelvo::log::Error, "Can't enable process \"" << name << "\": process unknown.");
-            return false;
+        boost::shared_ptr<Process> owner = _findProcess(names.first);
+        if (!owner) {
+            failure << "createEvent(\"" << sink << "\", callback): unknown process \""
+                    << names.first << "\".";
+        } else if (owner->getSinks().count(names.second)) {
+            owner->getSinks().at(names.second)->addEvent(event);
+            return true;
+        } else if (owner->getAggregatedSinks().count(names.second)) {
+            owner->getAggregatedSinks().at(names.second)->addEvent(event);
+            return true;
+        } else {
+            failure << "createEvent(\"" << sink << "\", callback): unknown sink \"" << names.second
+                    << "\".";
         }
-        process->second->enable();
     }
-    _computeDependency(true);
-    _scheduler->update();
+    TES_LOG(kelvo::log::Error, failure.str());
+    return false;
+}
+
+bool TessarityPrivate::createEvent(const std::string& sink, Callback callback) {
+    if (sink.find(':') == std::string::npos) {
+        TES_LOG(kelvo::log::Error, "createEvent(\"" << sink << "\", callback): invalid sink format "
+                                                    << "expected \"process:sink\".");
+        return false;
+    }
+    return _addSinkEvent(sink, boost::make_shared<Event>(callback));
+}
+
+bool TessarityPrivate::createEvent(const std::string& sink, const std::string& process) {
+    if (sink.find(':') == std::string::npos) {
+        TES_LOG(kelvo::log::Error, "createEvent(\"" << sink << "\", callback): invalid sink format "
+                                                    << "expected \"process:sink\".");
+        return false;
+    }
+    boost::shared_ptr<Process> target;
+    {
+        boost::mutex::scoped_lock lock(_processesMutex);
+        target = _findProcess(process);
+    }
+    if (!target) {
+        TES_LOG(kelvo::log::Error,
+                "createEvent(" << sink << ", " << process << "): unknown target process.");
+        return false;
+    }
+    return _addSinkEvent(sink, boost::make_shared<Event>(target, _scheduler));
+}
+
+bool TessarityPrivate::_addSourceEvent(const std::string& source,
+                                       const boost::shared_ptr<Event>& event, bool forCallback) {
+    const char* const verb = forCallback ? "Can't retrieve source \"" : "Can't access source \"";
+    boost::shared_ptr<NodeSource> node;
+    if (source.find(':') != std::string::npos) {
+        const std::pair<std::string, std::string> names = splitString(":", source);
+        boost::shared_ptr<Process> owner;
+        {
+            boost::mutex::scoped_lock lock(_processesMutex);
+            owner = _findProcess(names.first);
+            if (owner && owner->getSources().count(names.second))
+                node = owner->getSources().at(names.second);
+        }
+        if (!owner)
+            TES_THROW(verb << names.second << "\": process \"" << names.first << "\" unknown.");
+        if (!node)
+            TES_THROW(verb << names.second << "\": process \"" << names.first
+                           << "\" don't own this source.");
+    } else {
+        {
+            boost::mutex::scoped_lock sources(_sourcesMutex);
+            boost::mutex::scoped_lock aliases(_sourceAliasesMutex);
+            node = _findSourceOrAlias(source);
+        }
+        if (!node && forCallback)
+            TES_THROW("Can't retrieve source \"" << source << "\": source unknown.");
+        if (!node) TES_THROW("Can't get data from source \"" << source << "\": source unknown.");
+    }
+    node->addEvent(event);
     return true;
 }
 
-bool TessarityPrivate::disableProcess(const std::string& name) {
+bool TessarityPrivate::createSourceEvent(const std::string& source, Callback callback) {
+    return _addSourceEvent(source, boost::make_shared<Event>(callback), true);
+}
+
+bool TessarityPrivate::createSourceEvent(const std::string& source, const std::string& process) {
+    boost::shared_ptr<Process> target;
     {
         boost::mutex::scoped_lock lock(_processesMutex);
-        auto process = _processes.find(name);
-        if (process == _processes.end()) {
-            lock.unlock();
-            TES_LOG(kelvo::log::Error, "Can't disable process \"" << name << "\": process unknown.");
-            return false;
-        }
-        process->second->disable();
+        target = _findProcess(process);
     }
-    _computeDependency(true);
-    _scheduler->update();
-    return true;
-}
-
-bool TessarityPrivate::deleteProcess(const std::string& name) {
-    {
-        boost::mutex::scoped_lock lock(_processesMutex);
-        if (!_processes.erase(name)) {
-            lock.unlock();
-            TES_LOG(kelvo::log::Error, "Can't delete process \"" << name << "\": process unknown.");
-            return false;
-        }
-        _memoryManager.removeProcess(StringHash(name));
-    }
-    TES_LOG(kelvo::log::Verbose, "Delete process \"" << name << "\".");
-    // A worker that holds the process finishes its job: the shared pointer keeps it alive.
-    _computeDependency(true);
-    _scheduler->update();
-    return true;
-}
-
-std::vector<std::string> TessarityPrivate::getScheduledJobs() const {
-    std::vector<std::string> names;
-    for (const boost::shared_ptr<Process>& process : _scheduler->getScheduledProcessList())
-        names.push_back(process->getName());
-    return names;
-}
-
-std::pair<std::string, std::string> TessarityPrivate::_splitSinkName(const std::string& sink) {
-    const std::size_t colon = sink.find(':');
-    if (colon == std::string::npos)
-        TES_THROW("Can't get last data(\""
-                  << sink << "\"): the sink is not correctly formated (\"process:sink\" expected).");
-    return std::make_pair(sink.substr(0, colon), sink.substr(colon + 1));
-}
-
-boost::shared_ptr<Data> TessarityPrivate::getData(const std::string& sink) {
-    return getData(sink, Type::Time::now());
-}
-
-boost::shared_ptr<Data> TessarityPrivate::getData(const std::string& sink, const Type::Time& time) {
-    const std::pair<std::string, std::string> names = _splitSinkName(sink);
-    boost::shared_ptr<Process> process;
-    {
-        boost::mutex::scoped_lock lock(_processesMutex);
-        auto found = _processes.find(names.first);
-        if (found != _processes.end()) process = found->second;
-    }
-    if (!process)
-        TES_THROW("Can't get data(\"" << sink << "\"): the process \"" << names.first
-                                      << "\" does not exist.");
-    // Run without the registry lock: the process may raise events whose callbacks come
-    // back into the engine.
-    return process->getData(names.second, time);
-}
-
-boost::shared_ptr<Data> TessarityPrivate::getLastData(const std::string& sink) const {
-    const std::pair<std::string, std::string> names = _splitSinkName(sink);
-    boost::shared_ptr<Process> process;
-    {
-        boost::mutex::scoped_lock lock(_processesMutex);
-        auto found = _processes.find(names.first);
-        if (found != _processes.end()) process = found->second;
-    }
-    if (!process)
-        TES_THROW("Can't get last data(\"" << sink << "\"): the process \"" << names.first
-                                           << "\" does not exist.");
-    return process->getLastData(names.second);
+    if (!target) TES_THROW("Can't get process \"" << process << "\": process unknown.");
+    return _addSourceEvent(source, boost::make_shared<Event>(target, _scheduler), false);
 }
 
 void TessarityPrivate::startScheduler() { _scheduler->start(); }
 
 void TessarityPrivate::stopScheduler() { _scheduler->stop(); }
-
-bool TessarityPrivate::_addProcess(const boost::shared_ptr<Process>& process) {
-    {
-        boost::mutex::scoped_lock lock(_processesMutex);
-        if (!_processes.emplace(process->getName(), process).second) return false;
-    }
-    _computeDependency(false);
-    _scheduler->update();
-    return true;
-}
-
-void TessarityPrivate::_computeDependency(bool reset) {
-    boost::mutex::scoped_lock lock(_processesMutex);
-    if (reset)
-        for (const auto& process : _processes) process.second->unZombify();
-    // Walks to the fixed point: a process that became a zombie is walked in the next pass.
-    std::set<boost::shared_ptr<Process>> visited;
-    bool changed = true;
-    while (changed) {
-        changed = false;
-        for (const auto& entry : _processes) {
-            const boost::shared_ptr<Process>& process = entry.second;
-            if (visited.count(process) || !process->isLive()) continue;
-            visited.insert(process);
-            for (const auto& source : process->getSources())
-                for (const std::string& dependency : source.second->getDependencies()) {
-                    auto needed = _processes.find(dependency);
-                    if (needed == _processes.end() || needed->second->isLive()) continue;
-                    needed->second->zombify();
-                    changed = true;
-                }
-        }
-    }
-}
-
-Type::Duration TessarityPrivate::_getNextComputationTime() const {
-    Type::Duration result(100000);
-    const Type::Time now = Type::Time::now();
-    boost::mutex::scoped_lock lock(_processesMutex);
-    for (const auto& entry : _processes) {
-        const boost::shared_ptr<Process>& process = entry.second;
-        if (process->getPriority() == 0 || !process->isLive()) continue;
-        // Never waits: a running process counts its whole period.
-        Type::Duration ttl = process->getTimeToLive(now);
-        if (ttl < Type::Duration()) ttl = Type::Duration();
-        if (!(result < ttl)) result = ttl;
-    }
-    return result;
-}
-
-float TessarityPrivate::_getComputationMaxFrequency() const {
-    float maximum = 0.0f;
-    for (const boost::shared_ptr<Process>& process : _getScheduledProcesses())
-        if (process->getFrequency() > maximum) maximum = process->getFrequency();
-    return maximum;
-}
-
-std::vector<boost::shared_ptr<Process>> TessarityPrivate::_getScheduledProcesses() const {
-    boost::mutex::scoped_lock lock(_processesMutex);
-    std::vector<boost::shared_ptr<Process>> scheduled;
-    for (const auto& entry : _processes)
-        if (entry.second->getPriority() != 0 && entry.second->isLive())
-            scheduled.push_back(entry.second);
-    return scheduled;
-}
 
 }  // namespace Tessarity

@@ -1,10 +1,14 @@
 #ifndef TESSARITY_TESSARITY_P_H
 #define TESSARITY_TESSARITY_P_H
 
+#include <list>
 #include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>
 
@@ -16,20 +20,47 @@
 
 namespace Tessarity {
 
+class Event;
 class Filter;
 class NodeSource;
+class NodeSourceAlias;
 class Process;
 class Scheduler;
+class UserSource;
 
 // The engine behind the Tessarity handle: it owns every registry. Members are declared in
 // the order of construction; destruction runs in reverse, after the workers are stopped.
+//
+// Registry locks, outermost first: _processesMutex, _sourcesMutex, _sourceAliasesMutex;
+// _filtersMutex alone or innermost. A node is never called with a registry lock held where
+// it may raise events: its pointer is copied under the lock and called after, so that an
+// application callback may come back into the engine.
 class TessarityPrivate {
 public:
+    typedef std::list<std::pair<std::string, std::string>> Pairs;
+    typedef boost::function1<void, boost::shared_ptr<Data>> Callback;
+
     explicit TessarityPrivate(unsigned int threadCount);
     ~TessarityPrivate();
 
+    // Filters.
+    std::vector<std::string> getFilters() const;
+    bool isFilter(const std::string& name) const;
+    std::string getFilterDescription(const std::string& name) const;
+    std::vector<std::string> getFilterInputs(const std::string& name) const;
+    std::vector<std::string> getFilterOutputs(const std::string& name) const;
+    bool deleteFilter(const std::string& name);
+
+    // Sources. A name with ":" in setData and getSourceData is "process:source".
     std::vector<std::string> getSources() const;
     bool createSource(const std::string& name);
+    bool createSource(boost::shared_ptr<UserSource> source);
+    bool createSourceFromProcessSink(const std::string& name, const std::string& sink);
+    bool createSourceAlias(const std::string& alias, const std::string& source);
+    bool renameSourceAlias(const std::string& alias, const std::string& newAlias);
+    bool retargetSourceAlias(const std::string& alias, const std::string& source);
+    bool isSourceBound(const std::string& name) const;
+    float getSourceFrequency(const std::string& name) const;
     void setData(const std::string& source, boost::shared_ptr<Data> data);
     boost::shared_ptr<Data> getSourceData(const std::string& source,
                                           const Type::Duration& tolerance) const;
@@ -37,17 +68,42 @@ public:
                                           const Type::Duration& tolerance) const;
     bool deleteSource(const std::string& name);
 
+    // Processes.
+    bool createProcess(const std::string& name, const std::string& filter, const Pairs& inputs,
+                       const Pairs& outputs, const Pairs& triggers, const Pairs& sources,
+                       unsigned int priority, float frequency, const Type::Duration& tolerance);
     std::vector<std::string> getProcesses() const;
     bool isProcess(const std::string& name) const;
+    std::string getProcessDescription(const std::string& name) const;
+    bool setProcessDescription(const std::string& name, const std::string& description);
+    std::vector<std::string> getProcessSources(const std::string& name) const;
+    std::vector<std::string> getProcessSinks(const std::string& name) const;
+    std::vector<std::string> getProcessAggregatedSinks(const std::string& name) const;
+    unsigned int getProcessPriority(const std::string& name) const;
+    float getProcessFrequency(const std::string& name) const;
+    Type::Duration getProcessTolerance(const std::string& name) const;
+    void setProcessPriority(const std::string& name, unsigned int priority);
+    void setProcessFrequency(const std::string& name, float frequency);
+    void setProcessTolerance(const std::string& name, const Type::Duration& tolerance);
+    bool renameProcess(const std::string& name, const std::string& newName);
+    bool resetProcess(const std::string& name);
+    bool isProcessEnable(const std::string& name) const;
+    bool isProcessZombie(const std::string& name) const;
     bool enableProcess(const std::string& name);
     bool disableProcess(const std::string& name);
     bool deleteProcess(const std::string& name);
     std::vector<std::string> getScheduledJobs() const;
-    // Throw std::invalid_argument, after logging it, for a malformed name or an unknown
-    // process; `sink` is "process:sink".
+    std::string getInstrumentationResult() const;
+    // `sink` is "process:sink"; getData runs the process on the caller's thread if it is due.
     boost::shared_ptr<Data> getData(const std::string& sink);
     boost::shared_ptr<Data> getData(const std::string& sink, const Type::Time& time);
     boost::shared_ptr<Data> getLastData(const std::string& sink) const;
+
+    // Events.
+    bool createEvent(const std::string& sink, Callback callback);
+    bool createEvent(const std::string& sink, const std::string& process);
+    bool createSourceEvent(const std::string& source, Callback callback);
+    bool createSourceEvent(const std::string& source, const std::string& process);
 
     void startScheduler();
     void stopScheduler();
@@ -56,10 +112,10 @@ public:
     // False if the name is taken.
     bool _addProcess(const boost::shared_ptr<Process>& process);
     const boost::shared_ptr<Scheduler>& _getScheduler() const { return _scheduler; }
-    MemoryManager& _getMemoryManager() { return _memoryManager; }
 
-    // Looks at all processes at once, under _processesMutex. Marks as zombies the disabled
-    // processes that a live one needs (first clearing every zombie if `reset`).
+    // These look at all processes at once, under _processesMutex. _computeDependency marks
+    // as zombies the disabled processes that a live one needs, first clearing every zombie
+    // if `reset`.
     void _computeDependency(bool reset);
     // How long a worker may sleep: until the earliest scheduled process is due, at most
     // 100 milliseconds.
@@ -69,17 +125,47 @@ public:
     std::vector<boost::shared_ptr<Process>> _getScheduledProcesses() const;
 
 private:
-    // Splits "process:sink" for getData and getLastData, throwing for a name without ":".
-    static std::pair<std::string, std::string> _splitSinkName(const std::string& sink);
-    // The global source of that name, or null; the caller holds _sourcesMutex.
+    struct Failure;
+    struct ProcessDraft;
+
+    void _registerFilter(const boost::shared_ptr<Filter>& filter);
+    std::vector<std::string> _portLines(const std::string& name, bool inputs,
+                                        const char* operation) const;
+    // Lookups; the caller holds the lock of the registry searched.
+    boost::shared_ptr<Process> _findProcess(const std::string& name) const;
     boost::shared_ptr<NodeSource> _findSource(const std::string& name) const;
+    boost::shared_ptr<NodeSource> _findSourceOrAlias(const std::string& name) const;
+    // The process of that name, or null, read under _processesMutex.
+    boost::shared_ptr<Process> _lookupProcess(const std::string& name) const;
+    // A source's name and the names of its aliases; the caller holds _sourceAliasesMutex.
+    std::set<std::string> _namesOf(const std::string& source) const;
+    void _clearSourceBoundCache();
+    // The node of "process:source", or the error of setData (`forSet`) or getSourceData.
+    boost::shared_ptr<NodeSource> _findProcessSource(const std::string& source, bool forSet) const;
+    bool _addSourceEvent(const std::string& source, const boost::shared_ptr<Event>& event,
+                         bool forCallback);
+    bool _addSinkEvent(const std::string& sink, const boost::shared_ptr<Event>& event);
+    // The sink name and the process of "process:sink", or the error of getData or getLastData.
+    std::pair<std::string, boost::shared_ptr<Process>> _sinkOwner(const std::string& sink,
+                                                                  const char* operation) const;
+    // The steps of createProcess that run under _processesMutex.
+    bool _wireInputs(ProcessDraft& draft, const Pairs& inputs, const std::string& p1,
+                     const std::string& p2, Failure& failure);
+    bool _wireOutputs(ProcessDraft& draft, const Pairs& outputs, const std::string& p2,
+                      Failure& failure);
+    bool _wireTriggers(ProcessDraft& draft, const Pairs& triggers, const std::string& p2,
+                       Failure& failure);
 
     boost::shared_ptr<Scheduler> _scheduler;
     MemoryManager _memoryManager;
     std::map<std::string, boost::shared_ptr<Filter>> _filters;
     mutable boost::mutex _filtersMutex;
     std::map<std::string, boost::shared_ptr<NodeSource>> _sources;
+    mutable std::map<std::string, bool> _sourceBoundCache;
     mutable boost::mutex _sourcesMutex;
+    std::map<std::string, boost::shared_ptr<NodeSourceAlias>> _sourceAliases;
+    std::map<std::string, std::set<std::string>> _sourceAliasTargets;
+    mutable boost::mutex _sourceAliasesMutex;
     std::map<std::string, boost::shared_ptr<Process>> _processes;
     mutable boost::mutex _processesMutex;
 };

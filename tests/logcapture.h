@@ -30,16 +30,18 @@ public:
         boost::mutex::scoped_lock lock(_mutex);
         return _lines;
     }
+    // Lines at `level` or more severe (a lower number), in order.
+    std::vector<Line> linesAtMost(int level) const {
+        std::vector<Line> kept;
+        for (const Line& line : lines())
+            if (line.level <= level) kept.push_back(line);
+        return kept;
+    }
     void clear() {
         boost::mutex::scoped_lock lock(_mutex);
         _lines.clear();
     }
-    // Lines at `level` or more severe (a lower number).
-    std::size_t countAtMost(int level) const {
-        std::size_t n = 0;
-        for (const Line& line : lines()) n += line.level <= level;
-        return n;
-    }
+    std::size_t countAtMost(int level) const { return linesAtMost(level).size(); }
 
 private:
     mutable boost::mutex _mutex;

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <thread>
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include <kelvo/os.h>
 
@@ -30,8 +30,8 @@ public:
         _addOutput("out");
     }
     std::vector<boost::shared_ptr<Data>> applyFilter(
-        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&,
-        const StringHash&, long long) override {
+        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
+        long long) override {
         return inputs;
     }
 };
@@ -184,10 +184,11 @@ TEST(Scheduler, SourceEventWakesItsProcessAtOnce) {
     TessarityPrivate engine(2);
     auto source = boost::make_shared<NodeSource>("trigger");
     auto process = makeProcess("triggered", source, 0, 1000000.0f);  // never scheduled
-    process->getSinks().at("out")->addEvent(boost::make_shared<Event>([&](boost::shared_ptr<Data> d) {
-        boost::mutex::scoped_lock lock(seenMutex);
-        seen.push_back(d->getTimestamp().getTotalMicroseconds());
-    }));
+    process->getSinks().at("out")->addEvent(
+        boost::make_shared<Event>([&](boost::shared_ptr<Data> d) {
+            boost::mutex::scoped_lock lock(seenMutex);
+            seen.push_back(d->getTimestamp().getTotalMicroseconds());
+        }));
     source->addEvent(boost::make_shared<Event>(boost::weak_ptr<Process>(process),
                                                boost::weak_ptr<Scheduler>(engine._getScheduler())));
     ASSERT_TRUE(engine._addProcess(process));
@@ -226,8 +227,9 @@ TEST(Scheduler, ProcessesUnderLoadFromApplicationThreads) {
             sources.push_back(source);
             auto process = makeProcess("p" + std::to_string(i), source, 1 + i % 3, 500.0f);
             process->watchSource(source);
-            source->addEvent(boost::make_shared<Event>(
-                boost::weak_ptr<Process>(process), boost::weak_ptr<Scheduler>(engine._getScheduler())));
+            source->addEvent(
+                boost::make_shared<Event>(boost::weak_ptr<Process>(process),
+                                          boost::weak_ptr<Scheduler>(engine._getScheduler())));
             engine._addProcess(process);
         }
         std::atomic<bool> stop(false);
