@@ -7,7 +7,7 @@ CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo $(if $(CCACHE),-DCMAKE_CXX_COMP
 # ctest runs the cases two at a time; a case that needs more time than this is a hang.
 CTEST := ctest --output-on-failure -j $(JOBS) --timeout 300
 
-.PHONY: all deps build test test-asan test-tsan bench install clean
+.PHONY: all deps build test test-asan test-tsan bench fuzz install clean
 
 all: build
 
@@ -41,8 +41,19 @@ bench: deps
 	cmake --build build-bench -j $(JOBS)
 	./build-bench/bench/tessarity_bench
 
+# libFuzzer on the program language, built with clang; not part of CI.
+FUZZ_SECONDS ?= 600
+fuzz:
+	@scripts/install-deps fuzz
+	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DTESSARITY_FUZZ=ON -DTESSARITY_BUILD_TESTS=OFF $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+	cmake --build build-fuzz -j $(JOBS) --target program_fuzzer
+	mkdir -p build-fuzz/corpus
+	./build-fuzz/fuzz/program_fuzzer build-fuzz/corpus fuzz/corpus -max_len=4096 \
+	  -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1
+
 install: build
 	cmake --install build --prefix $(PREFIX)
 
 clean:
-	rm -rf build build-asan build-tsan build-bench
+	rm -rf build build-asan build-tsan build-bench build-fuzz

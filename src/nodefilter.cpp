@@ -3,6 +3,7 @@
 #include <boost/make_shared.hpp>
 
 #include "filter.h"
+#include "graphdump.h"
 #include "logging.h"
 #include "port.h"
 
@@ -157,6 +158,38 @@ void NodeFilter::requestEmpty(const StringHash& process, const StringHash& reque
     if (_filter) _filter->abortFilter(process, _filterRequest(request), depth);
     boost::mutex::scoped_lock lock(_resultMutex);
     _results[request.getHash()] = std::vector<boost::shared_ptr<Data>>();
+}
+
+std::string NodeFilter::dumpToDot(long& id, int depth) const {
+    const std::string suffix = "_" + std::to_string(id);
+    const std::string filterName = _filter ? _filter->getName() : std::string();
+    std::ostringstream dot;
+    dot << "subgraph cluster_" << getName() << suffix << "\n{\n"
+        << "label=\"" << getName() << " (Filter Node)\";\n"
+        << "style=filled;\n"
+        << "fillcolor=lightblue;\n\n";
+    if (depth == 0 || !_filter) {
+        dot << dotBoxWithPorts(getName(), filterName, getInputs(), getOutputs(), id);
+    } else {
+        // The filter's text follows with its own suffix; the node's ports point at the
+        // filter's ports, named by the node's port names.
+        const long inner = ++id;
+        dot << _filter->dumpToDot(id, depth - 1)
+            << "node[shape=ellipse, style=filled, fillcolor=white];\n";
+        const std::string innerSuffix = "_" + std::to_string(inner);
+        for (const boost::shared_ptr<Port>& port : getInputs()) {
+            const std::string portId = getName() + "_" + port->getName() + suffix;
+            dot << portId << " [label=" << port->getName() << "];\n"
+                << portId << " -> " << filterName << "_" << port->getName() << innerSuffix << ";\n";
+        }
+        for (const boost::shared_ptr<Port>& port : getOutputs()) {
+            const std::string portId = getName() + "_" + port->getName() + suffix;
+            dot << portId << " [label=" << port->getName() << "];\n"
+                << filterName << "_" << port->getName() << innerSuffix << " -> " << portId << ";\n";
+        }
+    }
+    dot << "}\n\n";
+    return dot.str();
 }
 
 }  // namespace Tessarity

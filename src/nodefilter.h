@@ -29,6 +29,8 @@ public:
                       boost::shared_ptr<Port> port) override;
 
     const boost::shared_ptr<Filter>& getFilter() const { return _filter; }
+    // Graphviz text of this node; with `depth` not 0 the filter inside is expanded too.
+    std::string dumpToDot(long& id, int depth) const;
 
 protected:
     void _synchronize(const Type::Time& time, const Type::Duration& tolerance,

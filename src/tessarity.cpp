@@ -7,6 +7,27 @@ namespace Tessarity {
 Tessarity::Tessarity(unsigned int threadCount)
     : _d(boost::make_shared<TessarityPrivate>(threadCount)) {}
 
+bool Tessarity::loadProgram(const std::string& program) {
+    return _d->loadProgram(program, this, std::string());
+}
+
+bool Tessarity::loadProgramFromFile(const std::string& path) {
+    return _d->loadProgramFromFile(path, this);
+}
+
+bool Tessarity::createFilter(boost::shared_ptr<UserFilter> filter) {
+    return _d->createFilter(filter);
+}
+
+bool Tessarity::createFilter(const std::string& name, const Pairs& filters, const Links& links,
+                             const Exports& inputs, const Exports& outputs) {
+    return _d->createFilter(name, filters, links, inputs, outputs);
+}
+
+std::string Tessarity::dumpFilter(const std::string& name, int depth) const {
+    return _d->dumpFilter(name, depth);
+}
+
 boost::shared_ptr<Data> Tessarity::getData(const std::string& sink) { return _d->getData(sink); }
 
 boost::shared_ptr<Data> Tessarity::getData(const std::string& sink, const Type::Time& time) {

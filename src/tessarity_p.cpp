@@ -2,15 +2,26 @@
 // that the application attaches to sinks and sources. Processes are in tessarity_p_process.cpp.
 #include "tessarity_p.h"
 
+#include <dlfcn.h>
+
+#include <cstdio>
 #include <stdexcept>
+
+#include <boost/filesystem.hpp>
 
 #include <boost/make_shared.hpp>
 
+#include <tessarity/userfilter.h>
 #include <tessarity/usersource.h>
+
+#include <kelvo/os.h>
+#include <kelvo/unicode.h>
 
 #include "aggregatedsink.h"
 #include "event.h"
 #include "filter.h"
+#include "filteradapter.h"
+#include "filtercomposite.h"
 #include "filters/dispatch.h"
 #include "filters/duplicate.h"
 #include "filters/head.h"
@@ -20,6 +31,7 @@
 #include "filters/multiplex.h"
 #include "filters/print.h"
 #include "logging.h"
+#include "nodefilter.h"
 #include "nodeprocesssource.h"
 #include "nodesink.h"
 #include "nodesource.h"
@@ -37,7 +49,7 @@ const char* const kLogCategory = "tessarity.private";
 const char* const kLogFile = "src/tessarity_p";
 }  // namespace
 
-TessarityPrivate::TessarityPrivate(unsigned int threadCount) {
+TessarityPrivate::TessarityPrivate(unsigned int threadCount) : _parser(this) {
     _scheduler = boost::make_shared<Scheduler>(this, threadCount);
     _scheduler->start();
 
@@ -64,7 +76,221 @@ void TessarityPrivate::_registerFilter(const boost::shared_ptr<Filter>& filter) 
     filter->bindMemoryManager(&_memoryManager);
 }
 
+// Programs.
+
+bool TessarityPrivate::loadProgram(const std::string& program, void* handle,
+                                   const std::string& directory) {
+    return _parser.loadProgram(program, handle, directory);
+}
+
+bool TessarityPrivate::loadProgramFromFile(const std::string& path, void* handle) {
+    try {
+        const boost::filesystem::path file(path, kelvo::unicodeFacet());
+        boost::system::error_code error;
+        const boost::filesystem::file_status status = boost::filesystem::status(file, error);
+        // The path's own output operator quotes it, inside the quotes of the line.
+        if (error || !boost::filesystem::exists(status)) {
+            TES_LOG(kelvo::log::Error,
+                    "loadProgramFromFile(\"" << file << "\"): \"" << file << "\" not found.");
+            return false;
+        }
+        if (boost::filesystem::is_directory(status)) {
+            TES_LOG(kelvo::log::Error,
+                    "loadProgramFromFile(\"" << file << "\"): \"" << file << "\" is a directory.");
+            return false;
+        }
+        if (!boost::filesystem::is_regular_file(status)) {
+            TES_LOG(kelvo::log::Error, "loadProgramFromFile(\"" << file << "\"): \"" << file
+                                                                << "\" is not a regular file.");
+            return false;
+        }
+        const std::string extension = file.extension().string();
+        const bool program = extension == ".tsp" || extension == ".TSP" || extension == ".txt" ||
+                             extension == ".TXT";
+        const bool module = extension == ".so" || extension == ".dylib";
+        {
+            // Each path is taken once, before it is opened: a program that imports itself
+            // ends there.
+            boost::mutex::scoped_lock lock(_loadedFilesMutex);
+            if (_loadedFiles.count(path)) return true;
+            if (program || module) _loadedFiles[path] = true;
+        }
+        if (program) {
+            std::FILE* stream = kelvo::os::fopen(path, "r");
+            if (!stream) {
+                TES_LOG(kelvo::log::Error,
+                        "loadProgramFromFile(\"" << file << "\"): \"unable to open " << file);
+                return false;
+            }
+            std::string text;
+            char block[512];
+            while (std::fgets(block, sizeof(block), stream)) text += block;
+            std::fclose(stream);
+            return _parser.loadProgram(text, handle, file.parent_path().string());
+        }
+        if (module) {
+            void* library = dlopen(path.c_str(), RTLD_LAZY);
+            if (!library) {
+                TES_LOG(kelvo::log::Error, "loadProgramFromFile(\""
+                                               << file
+                                               << "\"): error when performing dynamic loading.");
+                return false;
+            }
+            typedef void (*Entry)(void*);
+            Entry entry = reinterpret_cast<Entry>(dlsym(library, "tessarityInit"));
+            if (entry)
+                entry(handle);
+            else
+                TES_LOG(kelvo::log::Error, "loadProgramFromFile(\"" << file
+                                                                    << "\"): tessarityInit(void* "
+                                                                       "Tessarity) not found in \""
+                                                                    << file << "\".");
+            // A module that registered filters keeps its code loaded itself.
+            dlclose(library);
+            return false;
+        }
+        TES_LOG(kelvo::log::Error, "loadProgramFromFile(\"" << file << "\"): invalid file format.");
+        return false;
+    } catch (const boost::filesystem::filesystem_error&) {
+        TES_LOG(kelvo::log::Error,
+                "loadProgramFromFile(\"" << path << "\"): impossible to perform loading.");
+        return false;
+    }
+}
+
 // Filters.
+
+bool TessarityPrivate::createFilter(const std::string& name, const Pairs& filters,
+                                    const Links& links, const Exports& inputs,
+                                    const Exports& outputs) {
+    std::ostringstream failure;
+    failure << "createFilter(\"" << name << "\", filters, links): ";
+    {
+        // Under the library's lock from first to last, so the nodes are built against a
+        // stable library; the composite is not in it while it is built, so it can't hold
+        // itself.
+        boost::mutex::scoped_lock lock(_filtersMutex);
+        if (_composeFilter(name, filters, links, inputs, outputs, failure)) return true;
+    }
+    TES_LOG(kelvo::log::Error, failure.str());
+    return false;
+}
+
+bool TessarityPrivate::_composeFilter(const std::string& name, const Pairs& filters,
+                                      const Links& links, const Exports& inputs,
+                                      const Exports& outputs, std::ostringstream& failure) {
+    if (_filters.count(name)) {
+        failure << "A filter with the name \"" << name << "\" already exists.";
+        return false;
+    }
+    auto composite = boost::make_shared<FilterComposite>(name);
+    for (const auto& filter : filters) {
+        auto type = _filters.find(filter.first);
+        if (type == _filters.end()) {
+            failure << "The filter \"" << filter.second << "\" is declared as \"" << filter.first
+                    << "\" but \"" << filter.first << "\" has never been declared.";
+            return false;
+        }
+        composite->addNode(boost::make_shared<NodeFilter>(filter.second, type->second));
+    }
+    for (const auto& link : links) {
+        const PortName& from = link.first;
+        const PortName& to = link.second;
+        boost::shared_ptr<NodeFilter> fromNode = composite->getNode(from.first);
+        if (!fromNode) {
+            failure << "The filter \"" << from.first << "\" is not declared.";
+            return false;
+        }
+        boost::shared_ptr<NodeFilter> toNode = composite->getNode(to.first);
+        if (!toNode) {
+            failure << "The filter \"" << to.first << "\" is not declared.";
+            return false;
+        }
+        boost::shared_ptr<Port> output = fromNode->getOutput(from.second);
+        if (!output) {
+            failure << "The port \"" << from.second << "\" is not declared in \"" << from.first
+                    << "\".";
+            return false;
+        }
+        boost::shared_ptr<Port> input = toNode->getInput(to.second);
+        if (!input) {
+            failure << "The port \"" << to.second << "\" is not declared in \"" << to.first << "\"";
+            return false;
+        }
+        if (!input->isCompatible(output)) {
+            failure << "The port \"" << to.first << ":" << to.second
+                    << "\" has no common type with \"" << from.first << ":" << from.second << "\".";
+            return false;
+        }
+        input->attach(output);
+    }
+    for (const auto& input : inputs) {
+        const std::string& instance = input.first.first;
+        const std::string& port = input.first.second;
+        if (port.find('[') == std::string::npos) {
+            if (!composite->exportInput(instance, port, input.second)) {
+                failure << "Invalid exported input: \"" << instance << ":" << port
+                        << "<=" << input.second << "\".";
+                return false;
+            }
+            continue;
+        }
+        // "port[default]": the default goes on the inner node's port.
+        const std::list<std::string> items = blockString('[', ']', port);
+        if (items.size() != 2) {
+            failure << "Invalid default value declaration \"" << instance << ":" << port << "\".";
+            return false;
+        }
+        if (!composite->exportInput(instance, items.front(), input.second)) {
+            failure << "Invalid exported input: \"" << instance << ":" << port
+                    << "<=" << input.second << "\".";
+            return false;
+        }
+        boost::shared_ptr<NodeFilter> node = composite->getNode(instance);
+        boost::shared_ptr<Port> inner =
+            node ? node->getInput(items.front()) : boost::shared_ptr<Port>();
+        if (!inner) {
+            failure << "Tessarity internal corruption !";
+            return false;
+        }
+        boost::shared_ptr<Data> value = literalData(items.back());
+        if (!value) {
+            failure << "Invalid default value: \"" << items.back() << "\".";
+            return false;
+        }
+        inner->setDefaultData(value);
+    }
+    for (const auto& output : outputs)
+        if (!composite->exportOutput(output.first.first, output.first.second, output.second)) {
+            failure << "Invalid exported output: \"" << output.first.first << ":"
+                    << output.first.first << "=>" << output.second << "\".";
+            return false;
+        }
+    // Not bound to the memory: the filters of its nodes are, already.
+    _filters[name] = composite;
+    return true;
+}
+
+bool TessarityPrivate::createFilter(boost::shared_ptr<UserFilter> filter) {
+    // A user filter of a name already in the library replaces the entry; nodes already built
+    // keep the old object.
+    auto adapter = boost::make_shared<FilterAdapter>(filter);
+    boost::mutex::scoped_lock lock(_filtersMutex);
+    _registerFilter(adapter);
+    return true;
+}
+
+std::string TessarityPrivate::dumpFilter(const std::string& name, int depth) const {
+    boost::shared_ptr<Filter> filter;
+    {
+        boost::mutex::scoped_lock lock(_filtersMutex);
+        auto found = _filters.find(name);
+        if (found == _filters.end()) return std::string();
+        filter = found->second;
+    }
+    long id = 0;
+    return "digraph " + name + "{\nrankdir=LR;\n\n" + filter->dumpToDot(id, depth) + "}\n";
+}
 
 std::vector<std::string> TessarityPrivate::getFilters() const {
     boost::mutex::scoped_lock lock(_filtersMutex);

@@ -4,6 +4,7 @@
 #include <list>
 #include <map>
 #include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,7 @@
 #include <tessarity/time.h>
 
 #include "memorymanager.h"
+#include "parser.h"
 
 namespace Tessarity {
 
@@ -26,6 +28,7 @@ class NodeSource;
 class NodeSourceAlias;
 class Process;
 class Scheduler;
+class UserFilter;
 class UserSource;
 
 // The engine behind the Tessarity handle: it owns every registry. Members are declared in
@@ -39,11 +42,25 @@ class TessarityPrivate {
 public:
     typedef std::list<std::pair<std::string, std::string>> Pairs;
     typedef boost::function1<void, boost::shared_ptr<Data>> Callback;
+    typedef std::pair<std::string, std::string> PortName;  // (instance, port)
+    typedef std::list<std::pair<PortName, PortName>> Links;
+    typedef std::list<std::pair<PortName, std::string>> Exports;
 
     explicit TessarityPrivate(unsigned int threadCount);
     ~TessarityPrivate();
 
+    // Programs. `handle` is the application's Tessarity*, handed on to plug-in modules.
+    bool loadProgram(const std::string& program, void* handle, const std::string& directory);
+    bool loadProgramFromFile(const std::string& path, void* handle);
+
     // Filters.
+    // A composite of library filters: (type, instance) nodes, links between their ports, and
+    // the inner ports exported under outside names; an input may carry "port[default]".
+    bool createFilter(const std::string& name, const Pairs& filters, const Links& links,
+                      const Exports& inputs, const Exports& outputs);
+    bool createFilter(boost::shared_ptr<UserFilter> filter);
+    // Graphviz text of a filter of the library, expanded `depth` levels deep.
+    std::string dumpFilter(const std::string& name, int depth) const;
     std::vector<std::string> getFilters() const;
     bool isFilter(const std::string& name) const;
     std::string getFilterDescription(const std::string& name) const;
@@ -148,6 +165,9 @@ private:
     // The sink name and the process of "process:sink", or the error of getData or getLastData.
     std::pair<std::string, boost::shared_ptr<Process>> _sinkOwner(const std::string& sink,
                                                                   const char* operation) const;
+    // The steps of createFilter, under _filtersMutex; a failure's text goes to `failure`.
+    bool _composeFilter(const std::string& name, const Pairs& filters, const Links& links,
+                        const Exports& inputs, const Exports& outputs, std::ostringstream& failure);
     // The steps of createProcess that run under _processesMutex.
     bool _wireInputs(ProcessDraft& draft, const Pairs& inputs, const std::string& p1,
                      const std::string& p2, Failure& failure);
@@ -156,6 +176,7 @@ private:
     bool _wireTriggers(ProcessDraft& draft, const Pairs& triggers, const std::string& p2,
                        Failure& failure);
 
+    Parser _parser;
     boost::shared_ptr<Scheduler> _scheduler;
     MemoryManager _memoryManager;
     std::map<std::string, boost::shared_ptr<Filter>> _filters;
@@ -168,6 +189,8 @@ private:
     mutable boost::mutex _sourceAliasesMutex;
     std::map<std::string, boost::shared_ptr<Process>> _processes;
     mutable boost::mutex _processesMutex;
+    std::map<std::string, bool> _loadedFiles;
+    boost::mutex _loadedFilesMutex;  // alone: held only to test and record a path
 };
 
 }  // namespace Tessarity

@@ -24,16 +24,6 @@ namespace {
 const char* const kLogCategory = "tessarity.private";
 const char* const kLogFile = "src/tessarity_p";
 
-// A literal of an input or a pulse default: bool, int, float or string, by the first form
-// the text takes; null if it takes none.
-boost::shared_ptr<Data> literal(const std::string& text) {
-    if (isBool(text)) return boost::make_shared<Data>(toBool(text));
-    if (isInteger(text)) return boost::make_shared<Data>(toInteger(text));
-    if (isFloat(text)) return boost::make_shared<Data>(toFloat(text));
-    if (isString(text)) return boost::make_shared<Data>(toString(text));
-    return boost::shared_ptr<Data>();
-}
-
 std::string anonymous(int counter) { return "___Anonymous" + std::to_string(counter); }
 
 }  // namespace
@@ -85,7 +75,7 @@ bool TessarityPrivate::createProcess(const std::string& name, const std::string&
                                               << " " << declaration << "\".");
                 return false;
             }
-            boost::shared_ptr<Data> value = literal(items.back());
+            boost::shared_ptr<Data> value = literalData(items.back());
             if (!value) {
                 TES_LOG(kelvo::log::Error, p1 << "Invalid default value: " << items.back());
                 return false;
@@ -197,7 +187,7 @@ bool TessarityPrivate::_wireInputs(ProcessDraft& draft, const Pairs& inputs, con
             source = boost::make_shared<NodeProcessSource>(names.first + ":" + names.second, other,
                                                            names.second);
         } else if ((source = _findSourceOrAlias(value))) {
-        } else if ((constant = literal(value))) {
+        } else if ((constant = literalData(value))) {
         } else if (value == "null") {
             isNull = true;
         } else {

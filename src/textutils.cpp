@@ -1,5 +1,7 @@
 #include "textutils.h"
 
+#include <boost/make_shared.hpp>
+
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -297,6 +299,14 @@ std::string toString(const std::string& text) {
         }
     }
     return result;
+}
+
+boost::shared_ptr<Data> literalData(const std::string& text) {
+    if (isBool(text)) return boost::make_shared<Data>(toBool(text));
+    if (isInteger(text)) return boost::make_shared<Data>(toInteger(text));
+    if (isFloat(text)) return boost::make_shared<Data>(toFloat(text));
+    if (isString(text)) return boost::make_shared<Data>(toString(text));
+    return boost::shared_ptr<Data>();
 }
 
 }  // namespace Tessarity

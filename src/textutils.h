@@ -6,6 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include <boost/shared_ptr.hpp>
+
+#include <tessarity/data.h>
+
 namespace Tessarity {
 
 // The lexer of the program language and the parser of literal values. All of
@@ -46,6 +50,10 @@ bool toBool(const std::string& text);
 int toInteger(const std::string& text);  // 32-bit, wraps
 float toFloat(const std::string& text);  // single-precision arithmetic
 std::string toString(const std::string& text);
+
+// The value of a literal by the first form its text takes: bool, int, float, then string.
+// Null for a text of none of these forms.
+boost::shared_ptr<Data> literalData(const std::string& text);
 
 }  // namespace Tessarity
 

@@ -17,6 +17,7 @@
 #include <tessarity/duration.h>
 #include <tessarity/stringhash.h>
 #include <tessarity/time.h>
+#include <tessarity/userfilter.h>
 #include <tessarity/usersource.h>
 
 namespace Tessarity {
@@ -34,9 +35,19 @@ class Tessarity {
 public:
     typedef std::list<std::pair<std::string, std::string>> Pairs;
     typedef boost::function1<void, boost::shared_ptr<Data>> Callback;
+    typedef std::pair<std::string, std::string> PortName;  // (instance, port)
+    typedef std::list<std::pair<PortName, PortName>> Links;
+    typedef std::list<std::pair<PortName, std::string>> Exports;
 
     // Starts `threadCount` workers; with 0 none starts, and processes run only when pulled.
     explicit Tessarity(unsigned int threadCount);
+
+    // Programs: the language of filter, source, process, event, delete, import and script
+    // statements, as text or from a file (".tsp", ".txt"); a ".so" plug-in module gets this
+    // engine in its entry `extern "C" void tessarityInit(void* handle)`. Each path is taken
+    // once in the life of an engine.
+    bool loadProgram(const std::string& program);
+    bool loadProgramFromFile(const std::string& path);
 
     // Results. `sink` is "process:sink". getData first runs the process for `time` (or now)
     // on the caller's thread if it is due.
@@ -45,6 +56,15 @@ public:
     boost::shared_ptr<Data> getLastData(const std::string& sink) const;
 
     // The filter library.
+    // A filter of the application's own; one of the same name is replaced.
+    bool createFilter(boost::shared_ptr<UserFilter> filter);
+    // A composite: (type, instance) nodes of library filters, links ((from, port), (to, port))
+    // between them, and inner ports exported under outside names; an exported input may carry
+    // a default as "port[value]". An empty port name selects a node's only port.
+    bool createFilter(const std::string& name, const Pairs& filters, const Links& links,
+                      const Exports& inputs, const Exports& outputs);
+    // Graphviz text of a filter, expanded `depth` levels into composites and nodes.
+    std::string dumpFilter(const std::string& name, int depth) const;
     std::vector<std::string> getFilters() const;
     bool isFilter(const std::string& name) const;
     std::string getFilterDescription(const std::string& name) const;
