@@ -146,17 +146,9 @@ bool Parser::_createSource(const std::string& name, const std::string& item,
     const std::string body = trimString(item);
     if (!_owner->createSource(name)) return false;
     if (body.empty()) return true;
-    boost::shared_ptr<Data> value;  // stays null for "null"
-    if (isBool(body))
-        value = boost::make_shared<Data>(toBool(body));
-    else if (isInteger(body))
-        value = boost::make_shared<Data>(toInteger(body));
-    else if (isFloat(body))
-        value = boost::make_shared<Data>(toFloat(body));
-    else if (isString(body))
-        value = boost::make_shared<Data>(toString(body));
-    else if (body != "null") {
-        // A filter name would be a lambda value; none can be made yet, so it is refused too.
+    // "null" sets a null value; a filter name would be a lambda value, which none can be yet.
+    boost::shared_ptr<Data> value = literalData(body);
+    if (!value && body != "null") {
         TES_LOG(kelvo::log::Error, "loadProgram(" << program << ", tessarityHandle): The source "
                                                   << name << " has an invalid body: " << item);
         return false;
