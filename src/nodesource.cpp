@@ -31,12 +31,18 @@ void NodeSource::addDependency(const std::string& process) { _dependencies.push_
 void NodeSource::_synchronize(const Type::Time&, const Type::Duration&, const StringHash& process,
                               const StringHash&, long long) {
     boost::mutex::scoped_lock lock(_sourceMutex);
+    _countSnapshot(process);
+}
+
+bool NodeSource::_countSnapshot(const StringHash& process) {
     auto count = _snapshotCounts.find(process.getHash());
-    if (count == _snapshotCounts.end()) {
+    const bool first = count == _snapshotCounts.end();
+    if (first) {
         count = _snapshotCounts.emplace(process.getHash(), 0).first;
         _snapshots[process.getHash()] = _lastData;
     }
     ++count->second;
+    return first;
 }
 
 void NodeSource::_synchronizeRelease(const StringHash& process, const StringHash&, long long) {

@@ -42,6 +42,9 @@ protected:
                       long long depth) override;
     void _synchronizeRelease(const StringHash& process, const StringHash& request,
                              long long depth) override;
+    // Counts a synchronize of `process`, taking its snapshot of _lastData at the first one,
+    // and tells whether it was the first. The caller holds _sourceMutex.
+    bool _countSnapshot(const StringHash& process);
     // Raises the events in order of adding; the caller holds no lock of this source.
     void _raise(const boost::shared_ptr<Data>& data);
 

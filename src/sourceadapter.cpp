@@ -22,14 +22,10 @@ boost::shared_ptr<Data> SourceAdapter::getData(const Type::Time& time,
 }
 
 void SourceAdapter::_synchronize(const Type::Time& time, const Type::Duration& tolerance,
-                                 const StringHash& process, const StringHash& request,
-                                 long long depth) {
-    NodeSource::_synchronize(time, tolerance, process, request, depth);
-    // The caller holds this node's synchronizeMutex, so no other synchronize or release can
-    // come between the count above and the read below.
+                                 const StringHash& process, const StringHash&, long long) {
+    // The user source is asked once per run, at the run's time, in place of the snapshot.
     boost::mutex::scoped_lock lock(_sourceMutex);
-    auto count = _snapshotCounts.find(process.getHash());
-    if (count != _snapshotCounts.end() && count->second == 1 && _userSource)
+    if (_countSnapshot(process) && _userSource)
         _snapshots[process.getHash()] = _userSource->getData(time, tolerance);
 }
 
