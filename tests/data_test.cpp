@@ -1,9 +1,8 @@
+// Values: tags, conversions, text forms, time arithmetic and the name hash.
 #include <chrono>
 #include <future>
 #include <sstream>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <kelvo/clock.h>
@@ -12,185 +11,126 @@
 #include <boost/make_shared.hpp>
 
 using namespace Tessarity;
+using Dur = Type::Duration;
+using Tm = Type::Time;
 typedef std::vector<boost::shared_ptr<Data>> Elements;
 
-TEST(DataConversion, EmptyDataGivesZeros) {
-    Data d;
-    EXPECT_EQ(Invalid, d.getType());
-    EXPECT_EQ(nullptr, static_cast<void*>(d));
-    EXPECT_FALSE(bool(d));
-    EXPECT_EQ(0, int(d));
-    EXPECT_EQ(0.0, double(d));
-    EXPECT_EQ("", std::string(d));
-    Elements elements = d;
-    EXPECT_TRUE(elements.empty());
-    EXPECT_EQ("", d.toString());
+static std::ostream& operator<<(std::ostream& out, const Data& d) { return out << d.toString(); }
+
+// The values as text, each followed by a blank, so that a row of results reads as one line.
+template <typename... T>
+static std::string join(const T&... values) {
+    std::ostringstream out;
+    ((out << values << ' '), ...);
+    return out.str();
 }
 
-TEST(DataConversion, ValueConversionsWidenOnlyTowardFloatingPoint) {
-    EXPECT_EQ(3.0f, float(Data(3)));
-    EXPECT_EQ(4.0f, float(Data(4u)));
-    EXPECT_EQ(0.0f, float(Data(3.0)));  // a Double does not narrow
-    EXPECT_EQ(3.0, double(Data(3.0f)));
-    EXPECT_EQ(-2.0, double(Data(-2)));
-    EXPECT_EQ(0, int(Data(3u)));
-    EXPECT_EQ(0u, static_cast<unsigned int>(Data(3)));
-    EXPECT_FALSE(bool(Data(1)));
-    EXPECT_TRUE(bool(Data(true)));
-    EXPECT_EQ("", std::string(Data(7)));
-    EXPECT_EQ("abc", std::string(Data("abc")));
-}
+const auto us = [](const auto& value) { return value.getTotalMicroseconds(); };
+const auto box = [](const auto& value) { return boost::make_shared<Data>(value); };
 
-TEST(DataConversion, PointerConversionsNeedTheExactTag) {
-    Data i(3), f(2.5f);
-    EXPECT_EQ(3, *static_cast<int*>(i));
-    EXPECT_EQ(nullptr, static_cast<float*>(i));
-    EXPECT_EQ(nullptr, static_cast<double*>(f));
-    EXPECT_EQ(2.5f, *static_cast<float*>(f));
-    EXPECT_EQ("x", *static_cast<std::string*>(Data("x")));
-    EXPECT_EQ(nullptr, static_cast<Elements*>(Data("x")));
-    EXPECT_EQ(nullptr, static_cast<Type::Time*>(Data(Type::Duration(5))));
-    EXPECT_EQ(5, static_cast<Type::Duration*>(Data(Type::Duration(5)))->getTotalMicroseconds());
-    EXPECT_EQ(nullptr, static_cast<Type::Duration*>(Data(Type::Time(5))));
-}
+TEST(Data, ConversionsNeedTheirTagAndOnlyNumbersWiden) {
+    Data empty, i(3), f(2.5f), text("x");
+    Elements elements = empty;
+    EXPECT_TRUE(empty.getType() == Invalid && !static_cast<void*>(empty) && elements.empty());
+    EXPECT_EQ(
+        "x   3 4 0 2.5 -2 0 0 0 0 0 0 1 ",  // a Double does not narrow to float
+        join(std::string(text), std::string(empty), std::string(i), float(i), float(Data(4u)),
+             float(Data(3.0)), double(Data(2.5f)), double(Data(-2)), double(empty), int(Data(3u)),
+             int(empty), unsigned(i), bool(Data(1)), bool(empty), bool(Data(true))));
+    // Pointers need the exact tag: no widening, and Time and Duration stay apart.
+    EXPECT_EQ("3 2.5 x 0 0 0 0 0 ",
+              join(*static_cast<int*>(i), *static_cast<float*>(f), *static_cast<std::string*>(text),
+                   static_cast<float*>(i), static_cast<double*>(f), static_cast<Elements*>(text),
+                   static_cast<Dur*>(Data(Tm(5))), static_cast<Tm*>(Data(Dur(5)))));
 
-TEST(DataConversion, SharedPointersAreKeptAndValuesCopied) {
-    auto time = boost::make_shared<Type::Time>(10);
-    Data shared(time);
-    EXPECT_EQ(Time, shared.getType());
-    *time += Type::Duration(5);
-    EXPECT_EQ(15, static_cast<Type::Time*>(shared)->getTotalMicroseconds());
-
-    Type::Duration duration(7);
-    Data copied(duration);
-    duration += Type::Duration(1000);
-    EXPECT_EQ(7, static_cast<Type::Duration*>(copied)->getTotalMicroseconds());
-
-    Elements elements{boost::make_shared<Data>(1)};
-    Data array(elements);
-    elements.push_back(boost::make_shared<Data>(2));
-    Elements back = array;
-    ASSERT_EQ(1u, back.size());
-    EXPECT_EQ(elements[0], back[0]);  // elements are shared, the vector is not
-
+    // A shared pointer is kept, a value is copied; copies of a Data share its payload.
+    auto time = boost::make_shared<Tm>(10);
+    EXPECT_TRUE(Data(time).getType() == Time && static_cast<Tm*>(Data(time)) == time.get());
+    Elements items{box(1)}, back = Data(items);
+    EXPECT_EQ(items, back);  // the elements are shared
     auto opaque = boost::make_shared<int>(4);
-    Data unknown{boost::shared_ptr<void>(opaque)};
-    EXPECT_EQ(Unknown, unknown.getType());
+    Data unknown{boost::shared_ptr<void>(opaque)}, copy = unknown;
+    EXPECT_TRUE(unknown.getType() == Unknown && !static_cast<int*>(unknown));
     EXPECT_EQ(opaque.get(), unknown.getRawData().get());
-    EXPECT_EQ(nullptr, static_cast<int*>(unknown));
-    Data copy = unknown;
     EXPECT_EQ(3, opaque.use_count());
-    copy.setTimestamp(Type::Time(9));
-    EXPECT_EQ(Type::Time(9), copy.getTimestamp());
-    EXPECT_EQ(Type::Time(), unknown.getTimestamp());
+    copy.setTimestamp(Tm(9));
+    EXPECT_EQ(join(0, 9), join(us(unknown.getTimestamp()), us(copy.getTimestamp())));
 }
 
-TEST(DataToString, Forms) {
-    EXPECT_EQ("True", Data(true).toString());
-    EXPECT_EQ("False", Data(false).toString());
-    EXPECT_EQ("1.5f", Data(1.5f).toString());
-    EXPECT_EQ("1.5", Data(1.5).toString());
-    EXPECT_EQ("3.14159", Data(3.14159265).toString());
-    EXPECT_EQ("{Time second=-1}", Data(Type::Time(-1999999)).toString());
-    EXPECT_EQ("{Duration Milliseconds=2}", Data(Type::Duration(2999)).toString());
-    EXPECT_EQ("{void*}", Data(boost::make_shared<int>(1)).toString());
-    EXPECT_EQ("", Data(boost::shared_ptr<Type::Time>()).toString());
-    EXPECT_EQ("{}", Data(Elements()).toString());
-    Elements inner{boost::make_shared<Data>(1.5f), boost::make_shared<Data>("s")};
-    Elements outer{boost::shared_ptr<Data>(), boost::make_shared<Data>(7),
-                   boost::make_shared<Data>(inner), boost::make_shared<Data>()};
-    EXPECT_EQ("{NULL;7;{1.5f;s};}", Data(outer).toString());
-}
+TEST(Data, TextFormsAndTypeNames) {
+    Elements outer{nullptr, box(7u), box(Elements{box(1.5f), box("s")}), box(Data())};
+    EXPECT_EQ(
+        "True False -7 1.5f 1.5 3.14159 a|b {Time second=-1} {Duration Milliseconds=2} "
+        "{void*}   {} {NULL;7;{1.5f;s};} ",
+        join(Data(true), Data(false), Data(-7), Data(1.5f), Data(1.5), Data(3.14159265),
+             Data("a|b"), Data(Tm(-1999999)), Data(Dur(2999)), Data(boost::make_shared<int>(1)),
+             Data(boost::shared_ptr<Tm>()), Data(), Data(Elements()), Data(outer)));
 
-TEST(DataTypeName, NamesAndNumbers) {
-    EXPECT_EQ(23, Array);
-    EXPECT_EQ("Boolean", Data::getTypeName(Boolean));
-    EXPECT_EQ("Lambda", Data::getTypeName(Lambda));
-    EXPECT_EQ("Invalid", Data::getTypeName(static_cast<DataType>(31)));
-    EXPECT_EQ("Invalid", Data::getTypeName(static_cast<DataType>(-1)));
+    std::string names;
+    for (int type = -1; type <= 31; ++type)
+        names += Data::getTypeName(static_cast<DataType>(type)) + " ";
+    EXPECT_EQ(
+        "Invalid Invalid Boolean Integer UnsignedInteger Float Double String ColorImage "
+        "GrayscaleImage BinaryImage LabelImage DepthImage XYZImage MatrixImage Histogram "
+        "AudioBuffer Color Vector2 Vector3 Vector4 Vector6 Region2 Region3 Array Human Object2D "
+        "Object3D Time Duration Unknown Lambda Invalid ",
+        names);
     for (int type = 0; type <= Lambda; ++type)
         EXPECT_EQ(type, Data::getTypeFromName(Data::getTypeName(static_cast<DataType>(type))));
-    EXPECT_EQ(Invalid, Data::getTypeFromName("integer"));
-    EXPECT_EQ(XYZImage, Data::getTypeFromName("XYZImage"));
+    EXPECT_EQ(Invalid, Data::getTypeFromName("integer"));  // names are case-sensitive
 }
 
-TEST(TimeArithmetic, OperatorsAndTruncation) {
-    EXPECT_EQ(1, Type::Time(1999999).getTotalSeconds());
-    EXPECT_EQ(-1, Type::Time(-1999999).getTotalSeconds());
-    EXPECT_EQ(-1999, Type::Duration(-1999999).getTotalMilliseconds());
-
-    Type::Time t(100);
-    EXPECT_EQ(Type::Duration(-50), Type::Time(50) - t);
-    EXPECT_EQ(Type::Time(70), t - Type::Duration(30));
-    (t += Type::Duration(10)) += Type::Duration(1000);  // the second one acts on a copy
-    EXPECT_EQ(Type::Time(110), t);
-    EXPECT_EQ(Type::Time(105), t -= Type::Duration(5));
-    EXPECT_TRUE(Type::Time(-1) < Type::Time(0));
-
-    long long before = kelvo::Clock::now() / 1000;
-    long long now = Type::Time::now().getTotalMicroseconds();
-    EXPECT_LE(before, now);
-    EXPECT_LE(now, kelvo::Clock::now() / 1000);
-}
-
-TEST(DurationArithmetic, Operators) {
-    EXPECT_EQ(7200000000LL, Type::Duration::Hours(2).getTotalMicroseconds());
-    EXPECT_EQ(-60000000LL, Type::Duration::Minutes(-1).getTotalMicroseconds());
-    EXPECT_EQ(4000LL, Type::Duration::Milliseconds(4).getTotalMicroseconds());
-
+TEST(TimeAndDuration, CountsTruncateTowardZeroAndScaleInSinglePrecision) {
     // Single precision: 123456789 is not a float, its neighbour 123456792 is.
-    EXPECT_EQ(Type::Duration(123456792), Type::Duration(123456789) * 1.0f);
-    EXPECT_EQ(Type::Duration(123456792), Type::Duration(123456789) / 1.0f);
-    EXPECT_EQ(Type::Duration(-2), Type::Duration(-10) / 4.0f);
-    EXPECT_EQ(Type::Duration(-3), Type::Duration(7) * -0.5f);
+    EXPECT_EQ(
+        "1 -1 -1 -1999 2 7200000000 -60000000 3000000 4000 5 -50 105 70 -2 123456792 "
+        "123456792 -2 -3 ",
+        join(Tm(1999999).getTotalSeconds(), Tm(-1999999).getTotalSeconds(),
+             Tm(-1999).getTotalMilliseconds(), Dur(-1999999).getTotalMilliseconds(),
+             Dur(2999999).getTotalSeconds(), us(Dur::Hours(2)), us(Dur::Minutes(-1)),
+             us(Dur::Seconds(3)), us(Dur::Milliseconds(4)), us(Dur::Microseconds(5)),
+             us(Tm(50) - Tm(100)), us(Tm(100) + Dur(5)), us(Tm(100) - Dur(30)),
+             us(Dur(5) - Dur(8) + Dur(1)), us(Dur(123456789) * 1.0f), us(Dur(123456789) / 1.0f),
+             us(Dur(-10) / 4.0f), us(Dur(7) * -0.5f)));
+    // Compound assignments change the object and return the new value by value.
+    Tm t(100);
+    Dur d(8);
+    EXPECT_EQ(join(111, 160), join(us((t += Dur(10)) += Dur(1)), us((d *= 2.0f) *= 10.0f)));
+    EXPECT_EQ(join(105, 4), join(us(t -= Dur(5)), us(d /= 4.0f)));
+    EXPECT_EQ(Dur(1), d -= Dur(3));
+    EXPECT_EQ(Dur(2), d += Dur(1));
+    EXPECT_TRUE(Tm(-1) < Tm(0) && Tm(1) <= Tm(1) && Tm(2) > Tm(1) && Tm(1) == Tm(1));
+    EXPECT_TRUE(Dur(-1) < Dur(0) && Dur(1) >= Dur(1) && Dur(2) > Dur(1) && Dur(2) != Dur(1));
 
-    Type::Duration d(8);
-    (d *= 2.0f) *= 100.0f;
-    EXPECT_EQ(Type::Duration(16), d);
-    EXPECT_EQ(Type::Duration(4), d /= 4.0f);
-    EXPECT_EQ(Type::Duration(1), d -= Type::Duration(3));
+    long long before = kelvo::Clock::now() / 1000, now = us(Tm::now());
+    EXPECT_TRUE(before <= now && now <= kelvo::Clock::now() / 1000);
 }
 
 TEST(DurationSleep, WholeMillisecondsOnly) {
-    auto sleptMilliseconds = [](Type::Duration duration) {
-        auto start = std::chrono::steady_clock::now();
-        duration.sleep();
-        auto elapsed = std::chrono::steady_clock::now() - start;
-        return std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
+    using namespace std::chrono;
+    auto slept = [](Dur duration, int times) {
+        auto start = steady_clock::now();
+        for (int i = 0; i < times; ++i) duration.sleep();
+        return duration_cast<milliseconds>(steady_clock::now() - start).count();
     };
-    long long total = 0;  // rounding up would cost at least 20 ms
-    for (int i = 0; i < 20; ++i) total += sleptMilliseconds(Type::Duration::Microseconds(999));
-    EXPECT_LT(total, 20);
-    long long slept = sleptMilliseconds(Type::Duration::Milliseconds(20));
-    EXPECT_GE(slept, 20);
-    EXPECT_LT(slept, 2000);
-
+    EXPECT_LT(slept(Dur::Microseconds(999), 20), 20);  // 0 ms each, not 1 and not 999
+    EXPECT_GE(slept(Dur::Milliseconds(20), 1), 20);
     // A negative duration must not wrap around into a sleep of weeks.
-    std::promise<void> done;
-    auto finished = done.get_future();
-    std::thread([done = std::move(done)]() mutable {
-        Type::Duration(-5000).sleep();
-        done.set_value();
-    }).detach();
-    ASSERT_EQ(std::future_status::ready, finished.wait_for(std::chrono::seconds(2)));
+    std::packaged_task<void()> negative([] { Dur(-5000).sleep(); });
+    std::future<void> finished = negative.get_future();
+    std::thread(std::move(negative)).detach();
+    EXPECT_EQ(std::future_status::ready, finished.wait_for(seconds(2)));
 }
 
 TEST(StringHash, BitExactValuesAndSharedText) {
-    EXPECT_EQ(0UL, StringHash().getHash());
-    EXPECT_EQ(0UL, StringHash("").getHash());
-    EXPECT_EQ(0x9e377a1aUL, StringHash("a").getHash());
-    EXPECT_EQ(0x28cd94a53bUL, StringHash(std::string("ab")).getHash());
-    EXPECT_EQ(0x9e3779a2UL, StringHash("\xE9").getHash());  // the byte counts as -23
-    EXPECT_EQ(0x28cd94a4b2UL, StringHash("a\xE9").getHash());
-    std::string withZero("a\0b", 3);
-    EXPECT_NE(StringHash("a"), StringHash(withZero));
-
-    StringHash name("process");
-    StringHash copy = name;
+    // "a" gives 97 + 0x9e3779b9; a byte above 127 counts as negative: "\xE9" is -23.
+    EXPECT_EQ("0 0 2654435866 175247762747 2654435746 175247762610 ",
+              join(StringHash().getHash(), StringHash("").getHash(), StringHash("a").getHash(),
+                   StringHash(std::string("ab")).getHash(), StringHash("\xE9").getHash(),
+                   StringHash("a\xE9").getHash()));
+    EXPECT_NE(StringHash("a"), StringHash(std::string("a\0b", 3)));
+    StringHash name("process"), copy = name;
     EXPECT_EQ(name.text.get(), copy.text.get());
-    EXPECT_TRUE(copy == name);
     EXPECT_EQ("", StringHash(static_cast<const char*>(nullptr)).getText());
-    std::ostringstream out;
-    out << name;
-    EXPECT_EQ("process", out.str());
+    EXPECT_EQ("process ", join(name));  // the text alone
 }
