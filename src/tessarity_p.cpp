@@ -669,21 +669,20 @@ bool TessarityPrivate::_addSinkEvent(const std::string& sink,
     return false;
 }
 
+bool TessarityPrivate::_isSinkName(const std::string& sink) {
+    if (sink.find(':') != std::string::npos) return true;
+    TES_LOG(kelvo::log::Error, "createEvent(\"" << sink << "\", callback): invalid sink format "
+                                                << "expected \"process:sink\".");
+    return false;
+}
+
 bool TessarityPrivate::createEvent(const std::string& sink, Callback callback) {
-    if (sink.find(':') == std::string::npos) {
-        TES_LOG(kelvo::log::Error, "createEvent(\"" << sink << "\", callback): invalid sink format "
-                                                    << "expected \"process:sink\".");
-        return false;
-    }
+    if (!_isSinkName(sink)) return false;
     return _addSinkEvent(sink, boost::make_shared<Event>(callback));
 }
 
 bool TessarityPrivate::createEvent(const std::string& sink, const std::string& process) {
-    if (sink.find(':') == std::string::npos) {
-        TES_LOG(kelvo::log::Error, "createEvent(\"" << sink << "\", callback): invalid sink format "
-                                                    << "expected \"process:sink\".");
-        return false;
-    }
+    if (!_isSinkName(sink)) return false;
     boost::shared_ptr<Process> target;
     {
         boost::mutex::scoped_lock lock(_processesMutex);

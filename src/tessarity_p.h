@@ -157,6 +157,9 @@ private:
     // A source's name and the names of its aliases; the caller holds _sourceAliasesMutex.
     std::set<std::string> _namesOf(const std::string& source) const;
     void _clearSourceBoundCache();
+    bool _setProcessEnabled(const std::string& name, bool enabled);
+    // False, with the line of createEvent, for a sink name without ":".
+    static bool _isSinkName(const std::string& sink);
     // The node of "process:source", or the error of setData (`forSet`) or getSourceData.
     boost::shared_ptr<NodeSource> _findProcessSource(const std::string& source, bool forSet) const;
     bool _addSourceEvent(const std::string& source, const boost::shared_ptr<Event>& event,

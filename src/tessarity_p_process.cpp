@@ -478,25 +478,26 @@ bool TessarityPrivate::isProcessZombie(const std::string& name) const {
 }
 
 bool TessarityPrivate::enableProcess(const std::string& name) {
-    boost::shared_ptr<Process> process = _lookupProcess(name);
-    if (!process) {
-        TES_LOG(kelvo::log::Error, "Can't enable process \"" << name << "\": process unknown.");
-        return false;
-    }
-    process->enable();
-    _clearSourceBoundCache();
-    _computeDependency(true);
-    _scheduler->update();
-    return true;
+    return _setProcessEnabled(name, true);
 }
 
 bool TessarityPrivate::disableProcess(const std::string& name) {
+    return _setProcessEnabled(name, false);
+}
+
+bool TessarityPrivate::_setProcessEnabled(const std::string& name, bool enabled) {
     boost::shared_ptr<Process> process = _lookupProcess(name);
     if (!process) {
-        TES_LOG(kelvo::log::Error, "Can't disable process \"" << name << "\": process unknown.");
+        TES_LOG(kelvo::log::Error, "Can't " << (enabled ? "enable" : "disable") << " process \""
+                                            << name << "\": process unknown.");
         return false;
     }
-    process->disable();
+    if (enabled)
+        process->enable();
+    else
+        process->disable();
+    // Which processes are live, and so which sources are bound and which are zombies, may
+    // have changed.
     _clearSourceBoundCache();
     _computeDependency(true);
     _scheduler->update();
