@@ -1,9 +1,9 @@
 #include <benchmark/benchmark.h>
 #include <boost/make_shared.hpp>
 
-#include "memorymanager.h"
-#include "nodesource.h"
-#include "port.h"
+#include "graph/memory_manager.h"
+#include "graph/node_source.h"
+#include "graph/port.h"
 
 using namespace Tessarity;
 

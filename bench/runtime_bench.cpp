@@ -8,15 +8,15 @@
 #include <boost/thread/condition_variable.hpp>
 #include <boost/thread/mutex.hpp>
 
-#include "event.h"
-#include "filterprimitive.h"
-#include "nodefilter.h"
-#include "nodesink.h"
-#include "nodesource.h"
-#include "port.h"
-#include "process.h"
-#include "scheduler.h"
-#include "tessarity_p.h"
+#include "graph/event.h"
+#include "graph/filter_primitive.h"
+#include "graph/node_filter.h"
+#include "graph/node_sink.h"
+#include "graph/node_source.h"
+#include "graph/port.h"
+#include "runtime/process.h"
+#include "runtime/scheduler.h"
+#include "engine/tessarity_private.h"
 
 using namespace Tessarity;
 

@@ -1,6 +1,8 @@
 #ifndef TESSARITY_DATA_H
 #define TESSARITY_DATA_H
 
+#include <tessarity/export.h>
+
 #include <string>
 #include <vector>
 
@@ -16,7 +18,7 @@ namespace Tessarity {
 // timestamp. Constructors from a value copy it into a fresh payload; constructors from a
 // shared pointer keep that very pointer, so every holder sees one object. Conversions never
 // throw: a tag that does not match gives zero, null or empty.
-class Data {
+class TESSARITY_EXPORT Data {
 public:
     Data();
     Data(bool value);

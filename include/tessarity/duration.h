@@ -1,6 +1,8 @@
 #ifndef TESSARITY_DURATION_H
 #define TESSARITY_DURATION_H
 
+#include <tessarity/export.h>
+
 namespace Tessarity {
 namespace Type {
 
@@ -16,7 +18,7 @@ inline long long wrappingSub(long long a, long long b) {
                                   static_cast<unsigned long long>(b));
 }
 
-class Duration {
+class TESSARITY_EXPORT Duration {
 public:
     static Duration Hours(long long hours) { return Duration(hours * 3600000000LL); }
     static Duration Minutes(long long minutes) { return Duration(minutes * 60000000LL); }

@@ -1,6 +1,8 @@
 #ifndef TESSARITY_STRINGHASH_H
 #define TESSARITY_STRINGHASH_H
 
+#include <tessarity/export.h>
+
 #include <cstddef>
 #include <iosfwd>
 #include <string>
@@ -11,7 +13,7 @@ namespace Tessarity {
 
 // A name with its hash computed once, so that the pull protocol compares and keys maps by an
 // integer. Copies share the text. Equality is by hash alone: equal hashes are one name.
-class StringHash {
+class TESSARITY_EXPORT StringHash {
 public:
     StringHash();
     StringHash(const std::string& value);
@@ -42,7 +44,7 @@ public:
 };
 
 // Writes the text only; log messages of the graph rely on it.
-std::ostream& operator<<(std::ostream& stream, const StringHash& name);
+TESSARITY_EXPORT std::ostream& operator<<(std::ostream& stream, const StringHash& name);
 
 }  // namespace Tessarity
 

@@ -1,6 +1,8 @@
 #ifndef TESSARITY_TESSARITY_H
 #define TESSARITY_TESSARITY_H
 
+#include <tessarity/export.h>
+
 // The whole public surface of the engine: an application includes only this header.
 
 #include <list>
@@ -31,7 +33,7 @@ class TessarityPrivate;
 // result; getData, getLastData, setData, getSourceData, createSourceEvent, setProcessPriority,
 // setProcessFrequency, setProcessTolerance and getProcessTolerance also throw
 // std::invalid_argument with the logged text.
-class Tessarity {
+class TESSARITY_EXPORT Tessarity {
 public:
     typedef std::list<std::pair<std::string, std::string>> Pairs;
     typedef boost::function1<void, boost::shared_ptr<Data>> Callback;

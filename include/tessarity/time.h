@@ -1,13 +1,15 @@
 #ifndef TESSARITY_TIME_H
 #define TESSARITY_TIME_H
 
+#include <tessarity/export.h>
+
 #include <tessarity/duration.h>
 
 namespace Tessarity {
 namespace Type {
 
 // A point in time as a signed count of microseconds since the Unix epoch. Zero means "not set".
-class Time {
+class TESSARITY_EXPORT Time {
 public:
     static Time now();
 

@@ -1,6 +1,8 @@
 #ifndef TESSARITY_USERFILTER_H
 #define TESSARITY_USERFILTER_H
 
+#include <tessarity/export.h>
+
 #include <string>
 #include <vector>
 
@@ -22,7 +24,7 @@ namespace Tessarity {
 // with getLocalData/setLocalData: the engine swaps in the state of the process and the place
 // in the graph before each call and out after it, one call at a time. Without local data,
 // apply may run on several threads at once and must be stateless.
-class UserFilter {
+class TESSARITY_EXPORT UserFilter {
 public:
     UserFilter();
     virtual ~UserFilter();

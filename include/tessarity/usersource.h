@@ -1,6 +1,8 @@
 #ifndef TESSARITY_USERSOURCE_H
 #define TESSARITY_USERSOURCE_H
 
+#include <tessarity/export.h>
+
 #include <string>
 
 #include <boost/shared_ptr.hpp>
@@ -15,7 +17,7 @@ namespace Tessarity {
 // own. A run asks it once, with the run's time and tolerance, and answers as it sees fit.
 // The engine never calls one object from two threads at once through one source; setData
 // must not set the same source again.
-class UserSource {
+class TESSARITY_EXPORT UserSource {
 public:
     UserSource();
     virtual ~UserSource();

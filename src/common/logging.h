@@ -1,5 +1,5 @@
-#ifndef TESSARITY_LOGGING_H
-#define TESSARITY_LOGGING_H
+#ifndef TESSARITY_COMMON_LOGGING_H
+#define TESSARITY_COMMON_LOGGING_H
 
 #include <sstream>
 #include <stdexcept>

@@ -2,21 +2,21 @@
 // running processes, and the walks over all of them that the scheduler relies on.
 #include <boost/make_shared.hpp>
 
-#include "aggregatedsink.h"
-#include "event.h"
-#include "filter.h"
-#include "logging.h"
-#include "nodefilter.h"
-#include "nodeprocesssource.h"
-#include "nodepulse.h"
-#include "nodesink.h"
-#include "nodesource.h"
-#include "nodesourcealias.h"
-#include "port.h"
-#include "process.h"
-#include "scheduler.h"
-#include "tessarity_p.h"
-#include "textutils.h"
+#include "graph/aggregated_sink.h"
+#include "graph/event.h"
+#include "graph/filter.h"
+#include "common/logging.h"
+#include "graph/node_filter.h"
+#include "runtime/node_process_source.h"
+#include "graph/node_pulse.h"
+#include "graph/node_sink.h"
+#include "graph/node_source.h"
+#include "graph/node_source_alias.h"
+#include "graph/port.h"
+#include "runtime/process.h"
+#include "runtime/scheduler.h"
+#include "engine/tessarity_private.h"
+#include "language/text_utils.h"
 
 namespace Tessarity {
 

@@ -1,6 +1,6 @@
 #include <tessarity/tessarity.h>
 
-#include "tessarity_p.h"
+#include "engine/tessarity_private.h"
 
 namespace Tessarity {
 

@@ -1,6 +1,6 @@
 // The engine's construction, its filter library, its sources and aliases, and the events
 // that the application attaches to sinks and sources. Processes are in tessarity_p_process.cpp.
-#include "tessarity_p.h"
+#include "engine/tessarity_private.h"
 
 #include <dlfcn.h>
 
@@ -17,30 +17,30 @@
 #include <kelvo/os.h>
 #include <kelvo/unicode.h>
 
-#include "aggregatedsink.h"
-#include "event.h"
-#include "filter.h"
-#include "filteradapter.h"
-#include "filtercomposite.h"
-#include "filters/dispatch.h"
-#include "filters/duplicate.h"
-#include "filters/head.h"
-#include "filters/identity.h"
-#include "filters/ifchanged.h"
-#include "filters/mandatory.h"
-#include "filters/multiplex.h"
-#include "filters/print.h"
-#include "logging.h"
-#include "nodefilter.h"
-#include "nodeprocesssource.h"
-#include "nodesink.h"
-#include "nodesource.h"
-#include "nodesourcealias.h"
-#include "port.h"
-#include "process.h"
-#include "scheduler.h"
-#include "sourceadapter.h"
-#include "textutils.h"
+#include "graph/aggregated_sink.h"
+#include "graph/event.h"
+#include "graph/filter.h"
+#include "graph/filter_adapter.h"
+#include "graph/filter_composite.h"
+#include "filters/flow/dispatch.h"
+#include "filters/flow/duplicate.h"
+#include "filters/flow/head.h"
+#include "filters/flow/identity.h"
+#include "filters/flow/if_changed.h"
+#include "filters/flow/mandatory.h"
+#include "filters/flow/multiplex.h"
+#include "filters/flow/print.h"
+#include "common/logging.h"
+#include "graph/node_filter.h"
+#include "runtime/node_process_source.h"
+#include "graph/node_sink.h"
+#include "graph/node_source.h"
+#include "graph/node_source_alias.h"
+#include "graph/port.h"
+#include "runtime/process.h"
+#include "runtime/scheduler.h"
+#include "graph/source_adapter.h"
+#include "language/text_utils.h"
 
 namespace Tessarity {
 

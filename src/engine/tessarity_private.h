@@ -1,5 +1,5 @@
-#ifndef TESSARITY_TESSARITY_P_H
-#define TESSARITY_TESSARITY_P_H
+#ifndef TESSARITY_ENGINE_TESSARITY_PRIVATE_H
+#define TESSARITY_ENGINE_TESSARITY_PRIVATE_H
 
 #include <list>
 #include <map>
@@ -17,8 +17,8 @@
 #include <tessarity/duration.h>
 #include <tessarity/time.h>
 
-#include "memorymanager.h"
-#include "parser.h"
+#include "graph/memory_manager.h"
+#include "language/parser.h"
 
 namespace Tessarity {
 

@@ -1,8 +1,8 @@
-#include "aggregatedsink.h"
+#include "graph/aggregated_sink.h"
 
 #include <boost/make_shared.hpp>
 
-#include "nodesink.h"
+#include "graph/node_sink.h"
 
 namespace Tessarity {
 

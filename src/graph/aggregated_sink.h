@@ -1,5 +1,5 @@
-#ifndef TESSARITY_AGGREGATEDSINK_H
-#define TESSARITY_AGGREGATEDSINK_H
+#ifndef TESSARITY_GRAPH_AGGREGATED_SINK_H
+#define TESSARITY_GRAPH_AGGREGATED_SINK_H
 
 #include <map>
 #include <string>
@@ -10,7 +10,7 @@
 
 #include <tessarity/data.h>
 
-#include "eventlist.h"
+#include "graph/event_list.h"
 
 namespace Tessarity {
 

@@ -1,6 +1,6 @@
-#include "event.h"
+#include "graph/event.h"
 
-#include "scheduler.h"
+#include "runtime/scheduler.h"
 
 namespace Tessarity {
 

@@ -1,5 +1,5 @@
-#ifndef TESSARITY_EVENT_H
-#define TESSARITY_EVENT_H
+#ifndef TESSARITY_GRAPH_EVENT_H
+#define TESSARITY_GRAPH_EVENT_H
 
 #include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>

@@ -1,8 +1,8 @@
-#include "eventlist.h"
+#include "graph/event_list.h"
 
 #include <boost/make_shared.hpp>
 
-#include "event.h"
+#include "graph/event.h"
 
 namespace Tessarity {
 

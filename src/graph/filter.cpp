@@ -1,6 +1,6 @@
-#include "filter.h"
+#include "graph/filter.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

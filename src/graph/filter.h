@@ -1,5 +1,5 @@
-#ifndef TESSARITY_FILTER_H
-#define TESSARITY_FILTER_H
+#ifndef TESSARITY_GRAPH_FILTER_H
+#define TESSARITY_GRAPH_FILTER_H
 
 #include <string>
 #include <vector>

@@ -1,9 +1,9 @@
-#include "filteradapter.h"
+#include "graph/filter_adapter.h"
 
-#include "logging.h"
-#include "memorymanager.h"
-#include "port.h"
-#include "textutils.h"
+#include "common/logging.h"
+#include "graph/memory_manager.h"
+#include "graph/port.h"
+#include "language/text_utils.h"
 
 namespace Tessarity {
 

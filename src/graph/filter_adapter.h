@@ -1,11 +1,11 @@
-#ifndef TESSARITY_FILTERADAPTER_H
-#define TESSARITY_FILTERADAPTER_H
+#ifndef TESSARITY_GRAPH_FILTER_ADAPTER_H
+#define TESSARITY_GRAPH_FILTER_ADAPTER_H
 
 #include <boost/thread/mutex.hpp>
 
 #include <tessarity/userfilter.h>
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 

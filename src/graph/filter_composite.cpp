@@ -1,11 +1,11 @@
-#include "filtercomposite.h"
+#include "graph/filter_composite.h"
 
 #include <boost/make_shared.hpp>
 
-#include "graphdump.h"
-#include "logging.h"
-#include "nodefilter.h"
-#include "port.h"
+#include "graph/graph_dump.h"
+#include "common/logging.h"
+#include "graph/node_filter.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

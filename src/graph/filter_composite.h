@@ -1,10 +1,10 @@
-#ifndef TESSARITY_FILTERCOMPOSITE_H
-#define TESSARITY_FILTERCOMPOSITE_H
+#ifndef TESSARITY_GRAPH_FILTER_COMPOSITE_H
+#define TESSARITY_GRAPH_FILTER_COMPOSITE_H
 
 #include <map>
 #include <string>
 
-#include "filter.h"
+#include "graph/filter.h"
 
 namespace Tessarity {
 

@@ -1,10 +1,10 @@
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 #include <sstream>
 
 #include <boost/make_shared.hpp>
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

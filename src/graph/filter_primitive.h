@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERPRIMITIVE_H
-#define TESSARITY_FILTERPRIMITIVE_H
+#ifndef TESSARITY_GRAPH_FILTER_PRIMITIVE_H
+#define TESSARITY_GRAPH_FILTER_PRIMITIVE_H
 
-#include "filter.h"
+#include "graph/filter.h"
 
 namespace Tessarity {
 

@@ -1,8 +1,8 @@
-#include "graphdump.h"
+#include "graph/graph_dump.h"
 
 #include <sstream>
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

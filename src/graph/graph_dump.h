@@ -1,5 +1,5 @@
-#ifndef TESSARITY_GRAPHDUMP_H
-#define TESSARITY_GRAPHDUMP_H
+#ifndef TESSARITY_GRAPH_GRAPH_DUMP_H
+#define TESSARITY_GRAPH_GRAPH_DUMP_H
 
 #include <string>
 #include <vector>

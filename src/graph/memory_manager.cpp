@@ -1,4 +1,4 @@
-#include "memorymanager.h"
+#include "graph/memory_manager.h"
 
 namespace Tessarity {
 

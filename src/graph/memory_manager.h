@@ -1,5 +1,5 @@
-#ifndef TESSARITY_MEMORYMANAGER_H
-#define TESSARITY_MEMORYMANAGER_H
+#ifndef TESSARITY_GRAPH_MEMORY_MANAGER_H
+#define TESSARITY_GRAPH_MEMORY_MANAGER_H
 
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>

@@ -1,9 +1,9 @@
-#include "node.h"
+#include "graph/node.h"
 
 #include <boost/thread/locks.hpp>
 
-#include "logging.h"
-#include "port.h"
+#include "common/logging.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

@@ -1,5 +1,5 @@
-#ifndef TESSARITY_NODE_H
-#define TESSARITY_NODE_H
+#ifndef TESSARITY_GRAPH_NODE_H
+#define TESSARITY_GRAPH_NODE_H
 
 #include <string>
 #include <vector>

@@ -1,11 +1,11 @@
-#include "nodefilter.h"
+#include "graph/node_filter.h"
 
 #include <boost/make_shared.hpp>
 
-#include "filter.h"
-#include "graphdump.h"
-#include "logging.h"
-#include "port.h"
+#include "graph/filter.h"
+#include "graph/graph_dump.h"
+#include "common/logging.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

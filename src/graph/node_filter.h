@@ -1,5 +1,5 @@
-#ifndef TESSARITY_NODEFILTER_H
-#define TESSARITY_NODEFILTER_H
+#ifndef TESSARITY_GRAPH_NODE_FILTER_H
+#define TESSARITY_GRAPH_NODE_FILTER_H
 
 #include <string>
 #include <vector>
@@ -8,7 +8,7 @@
 #include <boost/thread/mutex.hpp>
 #include <boost/unordered_map.hpp>
 
-#include "node.h"
+#include "graph/node.h"
 
 namespace Tessarity {
 

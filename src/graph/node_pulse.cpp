@@ -1,4 +1,4 @@
-#include "nodepulse.h"
+#include "graph/node_pulse.h"
 
 namespace Tessarity {
 

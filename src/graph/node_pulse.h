@@ -1,11 +1,11 @@
-#ifndef TESSARITY_NODEPULSE_H
-#define TESSARITY_NODEPULSE_H
+#ifndef TESSARITY_GRAPH_NODE_PULSE_H
+#define TESSARITY_GRAPH_NODE_PULSE_H
 
 #include <string>
 
 #include <boost/shared_ptr.hpp>
 
-#include "nodesource.h"
+#include "graph/node_source.h"
 
 namespace Tessarity {
 

@@ -1,8 +1,8 @@
-#include "nodesink.h"
+#include "graph/node_sink.h"
 
 #include <boost/make_shared.hpp>
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

@@ -1,5 +1,5 @@
-#ifndef TESSARITY_NODESINK_H
-#define TESSARITY_NODESINK_H
+#ifndef TESSARITY_GRAPH_NODE_SINK_H
+#define TESSARITY_GRAPH_NODE_SINK_H
 
 #include <string>
 #include <vector>
@@ -7,8 +7,8 @@
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>
 
-#include "eventlist.h"
-#include "node.h"
+#include "graph/event_list.h"
+#include "graph/node.h"
 
 namespace Tessarity {
 

@@ -1,9 +1,9 @@
-#include "nodesource.h"
+#include "graph/node_source.h"
 
 #include <boost/make_shared.hpp>
 
-#include "logging.h"
-#include "port.h"
+#include "common/logging.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 

@@ -1,5 +1,5 @@
-#ifndef TESSARITY_NODESOURCE_H
-#define TESSARITY_NODESOURCE_H
+#ifndef TESSARITY_GRAPH_NODE_SOURCE_H
+#define TESSARITY_GRAPH_NODE_SOURCE_H
 
 #include <string>
 #include <vector>
@@ -8,8 +8,8 @@
 #include <boost/thread/mutex.hpp>
 #include <boost/unordered_map.hpp>
 
-#include "eventlist.h"
-#include "node.h"
+#include "graph/event_list.h"
+#include "graph/node.h"
 
 namespace Tessarity {
 

@@ -1,4 +1,4 @@
-#include "nodesourcealias.h"
+#include "graph/node_source_alias.h"
 
 namespace Tessarity {
 

@@ -1,12 +1,12 @@
-#ifndef TESSARITY_NODESOURCEALIAS_H
-#define TESSARITY_NODESOURCEALIAS_H
+#ifndef TESSARITY_GRAPH_NODE_SOURCE_ALIAS_H
+#define TESSARITY_GRAPH_NODE_SOURCE_ALIAS_H
 
 #include <string>
 
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>
 
-#include "nodesource.h"
+#include "graph/node_source.h"
 
 namespace Tessarity {
 

@@ -1,9 +1,9 @@
-#include "port.h"
+#include "graph/port.h"
 
 #include <algorithm>
 
-#include "logging.h"
-#include "node.h"
+#include "common/logging.h"
+#include "graph/node.h"
 
 namespace Tessarity {
 

@@ -1,5 +1,5 @@
-#ifndef TESSARITY_PORT_H
-#define TESSARITY_PORT_H
+#ifndef TESSARITY_GRAPH_PORT_H
+#define TESSARITY_GRAPH_PORT_H
 
 #include <string>
 #include <vector>

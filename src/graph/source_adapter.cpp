@@ -1,4 +1,4 @@
-#include "sourceadapter.h"
+#include "graph/source_adapter.h"
 
 namespace Tessarity {
 

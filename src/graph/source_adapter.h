@@ -1,11 +1,11 @@
-#ifndef TESSARITY_SOURCEADAPTER_H
-#define TESSARITY_SOURCEADAPTER_H
+#ifndef TESSARITY_GRAPH_SOURCE_ADAPTER_H
+#define TESSARITY_GRAPH_SOURCE_ADAPTER_H
 
 #include <boost/shared_ptr.hpp>
 
 #include <tessarity/usersource.h>
 
-#include "nodesource.h"
+#include "graph/node_source.h"
 
 namespace Tessarity {
 

@@ -1,6 +1,6 @@
 // The program language: statements cut into headers and bodies, bodies cut into lines, lines
 // into the arguments of the engine's own operations. Every name is resolved behind those.
-#include "parser.h"
+#include "language/parser.h"
 
 #include <exception>
 #include <iterator>
@@ -10,10 +10,10 @@
 #include <boost/filesystem.hpp>
 #include <boost/make_shared.hpp>
 
-#include "logging.h"
-#include "process.h"
-#include "tessarity_p.h"
-#include "textutils.h"
+#include "common/logging.h"
+#include "runtime/process.h"
+#include "engine/tessarity_private.h"
+#include "language/text_utils.h"
 
 namespace Tessarity {
 

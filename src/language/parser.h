@@ -1,5 +1,5 @@
-#ifndef TESSARITY_PARSER_H
-#define TESSARITY_PARSER_H
+#ifndef TESSARITY_LANGUAGE_PARSER_H
+#define TESSARITY_LANGUAGE_PARSER_H
 
 #include <list>
 #include <string>

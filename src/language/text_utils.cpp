@@ -1,4 +1,4 @@
-#include "textutils.h"
+#include "language/text_utils.h"
 
 #include <boost/make_shared.hpp>
 

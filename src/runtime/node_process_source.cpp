@@ -1,6 +1,6 @@
-#include "nodeprocesssource.h"
+#include "runtime/node_process_source.h"
 
-#include "process.h"
+#include "runtime/process.h"
 
 namespace Tessarity {
 

@@ -1,11 +1,11 @@
-#ifndef TESSARITY_NODEPROCESSSOURCE_H
-#define TESSARITY_NODEPROCESSSOURCE_H
+#ifndef TESSARITY_RUNTIME_NODE_PROCESS_SOURCE_H
+#define TESSARITY_RUNTIME_NODE_PROCESS_SOURCE_H
 
 #include <string>
 
 #include <boost/shared_ptr.hpp>
 
-#include "nodesource.h"
+#include "graph/node_source.h"
 
 namespace Tessarity {
 

@@ -1,15 +1,15 @@
-#include "process.h"
+#include "runtime/process.h"
 
 #include <cmath>
 #include <limits>
 #include <ostream>
 #include <stdexcept>
 
-#include "aggregatedsink.h"
-#include "logging.h"
-#include "nodefilter.h"
-#include "nodesink.h"
-#include "nodesource.h"
+#include "graph/aggregated_sink.h"
+#include "common/logging.h"
+#include "graph/node_filter.h"
+#include "graph/node_sink.h"
+#include "graph/node_source.h"
 
 namespace Tessarity {
 

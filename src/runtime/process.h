@@ -1,5 +1,5 @@
-#ifndef TESSARITY_PROCESS_H
-#define TESSARITY_PROCESS_H
+#ifndef TESSARITY_RUNTIME_PROCESS_H
+#define TESSARITY_RUNTIME_PROCESS_H
 
 #include <atomic>
 #include <map>

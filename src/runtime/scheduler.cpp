@@ -1,4 +1,4 @@
-#include "scheduler.h"
+#include "runtime/scheduler.h"
 
 #include <sched.h>
 
@@ -8,8 +8,8 @@
 
 #include <kelvo/os.h>
 
-#include "process.h"
-#include "tessarity_p.h"
+#include "runtime/process.h"
+#include "engine/tessarity_private.h"
 
 namespace Tessarity {
 

@@ -1,5 +1,5 @@
-#ifndef TESSARITY_SCHEDULER_H
-#define TESSARITY_SCHEDULER_H
+#ifndef TESSARITY_RUNTIME_SCHEDULER_H
+#define TESSARITY_RUNTIME_SCHEDULER_H
 
 #include <atomic>
 #include <memory>

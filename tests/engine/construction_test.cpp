@@ -2,7 +2,7 @@
 // triggers through the facade.
 #include <gtest/gtest.h>
 
-#include "enginekit.h"
+#include "kits/engine_kit.h"
 
 using namespace enginekit;
 

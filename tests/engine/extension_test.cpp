@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <boost/filesystem.hpp>
 
-#include "enginekit.h"
+#include "kits/engine_kit.h"
 
 using namespace enginekit;
 namespace fs = boost::filesystem;

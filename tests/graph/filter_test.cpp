@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 #include <boost/make_shared.hpp>
 
-#include "filterprimitive.h"
-#include "filters/mandatory.h"
-#include "memorymanager.h"
-#include "port.h"
+#include "graph/filter_primitive.h"
+#include "filters/flow/mandatory.h"
+#include "graph/memory_manager.h"
+#include "graph/port.h"
 
 using namespace Tessarity;
 

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 #include <boost/make_shared.hpp>
 
-#include "event.h"
-#include "logcapture.h"
-#include "nodesource.h"
-#include "port.h"
+#include "graph/event.h"
+#include "kits/log_capture.h"
+#include "graph/node_source.h"
+#include "graph/port.h"
 
 using namespace Tessarity;
 

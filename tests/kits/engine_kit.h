@@ -9,7 +9,7 @@
 
 #include <tessarity/tessarity.h>
 
-#include "logcapture.h"
+#include "kits/log_capture.h"
 
 namespace enginekit {
 

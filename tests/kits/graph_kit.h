@@ -7,15 +7,15 @@
 #include <gtest/gtest.h>
 #include <boost/make_shared.hpp>
 
-#include "aggregatedsink.h"
-#include "event.h"
-#include "filterprimitive.h"
-#include "logcapture.h"
-#include "nodefilter.h"
-#include "nodesink.h"
-#include "nodesource.h"
-#include "port.h"
-#include "process.h"
+#include "graph/aggregated_sink.h"
+#include "graph/event.h"
+#include "graph/filter_primitive.h"
+#include "kits/log_capture.h"
+#include "graph/node_filter.h"
+#include "graph/node_sink.h"
+#include "graph/node_source.h"
+#include "graph/port.h"
+#include "runtime/process.h"
 
 namespace graphkit {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "enginekit.h"
+#include "kits/engine_kit.h"
 
 using namespace enginekit;
 using Tessarity::Type::Time;

@@ -2,9 +2,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "graphkit.h"
-#include "scheduler.h"
-#include "tessarity_p.h"
+#include "kits/graph_kit.h"
+#include "runtime/scheduler.h"
+#include "engine/tessarity_private.h"
 
 using namespace graphkit;
 

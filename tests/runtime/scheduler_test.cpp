@@ -5,15 +5,15 @@
 
 #include <kelvo/os.h>
 
-#include "enginekit.h"
-#include "event.h"
-#include "filters/identity.h"
-#include "nodefilter.h"
-#include "nodesink.h"
-#include "nodesource.h"
-#include "port.h"
-#include "process.h"
-#include "tessarity_p.h"
+#include "kits/engine_kit.h"
+#include "graph/event.h"
+#include "filters/flow/identity.h"
+#include "graph/node_filter.h"
+#include "graph/node_sink.h"
+#include "graph/node_source.h"
+#include "graph/port.h"
+#include "runtime/process.h"
+#include "engine/tessarity_private.h"
 
 using namespace Tessarity;
 using enginekit::eventually;

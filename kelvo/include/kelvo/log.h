@@ -1,6 +1,8 @@
 #ifndef KELVO_LOG_H
 #define KELVO_LOG_H
 
+#include <kelvo/export.h>
+
 #include <string>
 
 #include <boost/function.hpp>
@@ -15,18 +17,18 @@ enum Level { Fatal = 1, Error = 2, Warning = 3, Info = 4, Verbose = 5, Debug = 6
 typedef boost::function<void(int level, const std::string& category, const std::string& message)>
     Handler;
 
-void log(int level, const std::string& category, const std::string& message, const char* file,
+KELVO_EXPORT void log(int level, const std::string& category, const std::string& message, const char* file,
          const char* function, int line);
 
 // Declares a category; lines may be logged in undeclared categories too.
-void addCategory(const std::string& category);
+KELVO_EXPORT void addCategory(const std::string& category);
 
 // An empty handler restores the default writer (stderr).
-void setHandler(Handler handler);
+KELVO_EXPORT void setHandler(Handler handler);
 
 // Highest level the default writer prints; 4 (info) unless changed.
-void setVerbosity(int level);
-int getVerbosity();
+KELVO_EXPORT void setVerbosity(int level);
+KELVO_EXPORT int getVerbosity();
 
 }  // namespace log
 }  // namespace kelvo

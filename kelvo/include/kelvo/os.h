@@ -1,20 +1,22 @@
 #ifndef KELVO_OS_H
 #define KELVO_OS_H
 
+#include <kelvo/export.h>
+
 #include <cstdio>
 #include <string>
 
 namespace kelvo {
 namespace os {
 
-void msleep(unsigned int ms);
+KELVO_EXPORT void msleep(unsigned int ms);
 
 // fopen on a UTF-8 path.
-std::FILE* fopen(const std::string& path, const std::string& mode);
+KELVO_EXPORT std::FILE* fopen(const std::string& path, const std::string& mode);
 
 // Linux keeps 15 bytes of a thread's name: longer names are cut, never refused.
-void setCurrentThreadName(const std::string& name);
-std::string getCurrentThreadName();
+KELVO_EXPORT void setCurrentThreadName(const std::string& name);
+KELVO_EXPORT std::string getCurrentThreadName();
 
 }  // namespace os
 }  // namespace kelvo

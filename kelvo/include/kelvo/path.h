@@ -1,6 +1,8 @@
 #ifndef KELVO_PATH_H
 #define KELVO_PATH_H
 
+#include <kelvo/export.h>
+
 #include <string>
 
 namespace kelvo {
@@ -10,9 +12,9 @@ namespace path {
 // file. An absolute `file` that exists is returned as it is. "" when nothing is found.
 // Roots: those added with addDataPath, in order of adding, then <install prefix>/share,
 // /usr/local/share, /usr/share and, unless excludeUser, $HOME/.local/share.
-std::string findData(const std::string& app, const std::string& file, bool excludeUser);
+KELVO_EXPORT std::string findData(const std::string& app, const std::string& file, bool excludeUser);
 
-void addDataPath(const std::string& root);
+KELVO_EXPORT void addDataPath(const std::string& root);
 
 }  // namespace path
 }  // namespace kelvo

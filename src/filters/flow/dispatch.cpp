@@ -1,6 +1,6 @@
-#include "dispatch.h"
+#include "filters/flow/dispatch.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

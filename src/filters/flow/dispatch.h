@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERS_DISPATCH_H
-#define TESSARITY_FILTERS_DISPATCH_H
+#ifndef TESSARITY_FILTERS_FLOW_DISPATCH_H
+#define TESSARITY_FILTERS_FLOW_DISPATCH_H
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

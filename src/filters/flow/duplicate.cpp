@@ -1,6 +1,6 @@
-#include "duplicate.h"
+#include "filters/flow/duplicate.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

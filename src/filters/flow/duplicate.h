@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERS_DUPLICATE_H
-#define TESSARITY_FILTERS_DUPLICATE_H
+#ifndef TESSARITY_FILTERS_FLOW_DUPLICATE_H
+#define TESSARITY_FILTERS_FLOW_DUPLICATE_H
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

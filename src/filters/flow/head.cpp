@@ -1,6 +1,6 @@
-#include "head.h"
+#include "filters/flow/head.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERS_HEAD_H
-#define TESSARITY_FILTERS_HEAD_H
+#ifndef TESSARITY_FILTERS_FLOW_HEAD_H
+#define TESSARITY_FILTERS_FLOW_HEAD_H
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

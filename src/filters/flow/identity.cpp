@@ -1,6 +1,6 @@
-#include "identity.h"
+#include "filters/flow/identity.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -1,7 +1,7 @@
-#include "ifchanged.h"
+#include "filters/flow/if_changed.h"
 
-#include "memorymanager.h"
-#include "port.h"
+#include "graph/memory_manager.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

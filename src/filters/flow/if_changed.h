@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERS_IFCHANGED_H
-#define TESSARITY_FILTERS_IFCHANGED_H
+#ifndef TESSARITY_FILTERS_FLOW_IF_CHANGED_H
+#define TESSARITY_FILTERS_FLOW_IF_CHANGED_H
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -1,6 +1,6 @@
-#include "mandatory.h"
+#include "filters/flow/mandatory.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -1,9 +1,9 @@
-#ifndef TESSARITY_FILTERS_MANDATORY_H
-#define TESSARITY_FILTERS_MANDATORY_H
+#ifndef TESSARITY_FILTERS_FLOW_MANDATORY_H
+#define TESSARITY_FILTERS_FLOW_MANDATORY_H
 
 #include <string>
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

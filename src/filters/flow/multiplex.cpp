@@ -1,6 +1,6 @@
-#include "multiplex.h"
+#include "filters/flow/multiplex.h"
 
-#include "port.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERS_MULTIPLEX_H
-#define TESSARITY_FILTERS_MULTIPLEX_H
+#ifndef TESSARITY_FILTERS_FLOW_MULTIPLEX_H
+#define TESSARITY_FILTERS_FLOW_MULTIPLEX_H
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -1,7 +1,7 @@
-#include "print.h"
+#include "filters/flow/print.h"
 
-#include "logging.h"
-#include "port.h"
+#include "common/logging.h"
+#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {

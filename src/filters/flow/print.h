@@ -1,7 +1,7 @@
-#ifndef TESSARITY_FILTERS_PRINT_H
-#define TESSARITY_FILTERS_PRINT_H
+#ifndef TESSARITY_FILTERS_FLOW_PRINT_H
+#define TESSARITY_FILTERS_FLOW_PRINT_H
 
-#include "filterprimitive.h"
+#include "graph/filter_primitive.h"
 
 namespace Tessarity {
 namespace Filters {

@@ -2,17 +2,17 @@
 #include <gtest/gtest.h>
 #include <boost/make_shared.hpp>
 
-#include "filters/dispatch.h"
-#include "filters/duplicate.h"
-#include "filters/head.h"
-#include "filters/identity.h"
-#include "filters/ifchanged.h"
-#include "filters/mandatory.h"
-#include "filters/multiplex.h"
-#include "filters/print.h"
-#include "logcapture.h"
-#include "memorymanager.h"
-#include "port.h"
+#include "filters/flow/dispatch.h"
+#include "filters/flow/duplicate.h"
+#include "filters/flow/head.h"
+#include "filters/flow/identity.h"
+#include "filters/flow/if_changed.h"
+#include "filters/flow/mandatory.h"
+#include "filters/flow/multiplex.h"
+#include "filters/flow/print.h"
+#include "kits/log_capture.h"
+#include "graph/memory_manager.h"
+#include "graph/port.h"
 
 using namespace Tessarity;
 
