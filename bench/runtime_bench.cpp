@@ -8,6 +8,7 @@
 #include <boost/thread/condition_variable.hpp>
 #include <boost/thread/mutex.hpp>
 
+#include "engine/tessarity_private.h"
 #include "graph/event.h"
 #include "graph/filter_primitive.h"
 #include "graph/node_filter.h"
@@ -16,7 +17,6 @@
 #include "graph/port.h"
 #include "runtime/process.h"
 #include "runtime/scheduler.h"
-#include "engine/tessarity_private.h"
 
 using namespace Tessarity;
 
@@ -96,8 +96,8 @@ static void EventLatency(benchmark::State& state) {
         arrived.notify_one();
     }));
     source->addEvent(boost::make_shared<Event>(boost::weak_ptr<Process>(process),
-                                               boost::weak_ptr<Scheduler>(engine._getScheduler())));
-    engine._addProcess(process);
+                                               boost::weak_ptr<Scheduler>(engine.getScheduler())));
+    engine.getProcessRegistry().add(process);
 
     // A job for a process that a worker still holds is dropped, as the scheduler drops every
     // job for a running process; so each event waits, untimed, for the run before it to end,

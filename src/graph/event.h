@@ -9,8 +9,8 @@
 
 namespace Tessarity {
 
+class JobQueue;
 class Process;
-class Scheduler;
 
 // What a source or a sink does when a new value arrives: call the application, or put a
 // job for a process at the head of the scheduler's queue. An event never keeps a process or
@@ -19,7 +19,7 @@ class Event {
 public:
     typedef boost::function1<void, boost::shared_ptr<Data>> Callback;
 
-    Event(const boost::weak_ptr<Process>& process, const boost::weak_ptr<Scheduler>& scheduler);
+    Event(const boost::weak_ptr<Process>& process, const boost::weak_ptr<JobQueue>& scheduler);
     explicit Event(Callback callback);
 
     // Runs on the raiser's thread; the raiser holds none of its own locks. Callers raise
@@ -29,7 +29,7 @@ public:
 private:
     bool _isCallback;
     boost::weak_ptr<Process> _process;
-    boost::weak_ptr<Scheduler> _scheduler;
+    boost::weak_ptr<JobQueue> _scheduler;
     Callback _callback;
 };
 

@@ -3,7 +3,7 @@
 #include "common/logging.h"
 #include "graph/memory_manager.h"
 #include "graph/port.h"
-#include "language/text_utils.h"
+#include "text/text_utils.h"
 
 namespace Tessarity {
 

@@ -2,8 +2,8 @@
 
 #include <boost/make_shared.hpp>
 
-#include "graph/graph_dump.h"
 #include "common/logging.h"
+#include "graph/graph_dump.h"
 #include "graph/node_filter.h"
 #include "graph/port.h"
 

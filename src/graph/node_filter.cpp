@@ -2,9 +2,9 @@
 
 #include <boost/make_shared.hpp>
 
+#include "common/logging.h"
 #include "graph/filter.h"
 #include "graph/graph_dump.h"
-#include "common/logging.h"
 #include "graph/port.h"
 
 namespace Tessarity {

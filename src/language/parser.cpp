@@ -11,9 +11,9 @@
 #include <boost/make_shared.hpp>
 
 #include "common/logging.h"
+#include "language/program_host.h"
 #include "runtime/process.h"
-#include "engine/tessarity_private.h"
-#include "language/text_utils.h"
+#include "text/text_utils.h"
 
 namespace Tessarity {
 
@@ -48,8 +48,8 @@ std::list<std::string> chainElements(const std::string& left, std::string rest) 
     return elements;
 }
 
-TessarityPrivate::Exports exports(const std::list<std::string>& lines, const char* mark) {
-    TessarityPrivate::Exports result;
+ProgramHost::Exports exports(const std::list<std::string>& lines, const char* mark) {
+    ProgramHost::Exports result;
     for (const std::string& line : lines) {
         const std::pair<std::string, std::string> cut = splitString(mark, line);
         result.push_back(std::make_pair(splitString(":", cut.first), cut.second));
@@ -57,15 +57,15 @@ TessarityPrivate::Exports exports(const std::list<std::string>& lines, const cha
     return result;
 }
 
-TessarityPrivate::Pairs pairs(const std::list<std::string>& lines, const char* mark) {
-    TessarityPrivate::Pairs result;
+ProgramHost::Pairs pairs(const std::list<std::string>& lines, const char* mark) {
+    ProgramHost::Pairs result;
     for (const std::string& line : lines) result.push_back(splitString(mark, line));
     return result;
 }
 
 }  // namespace
 
-Parser::Parser(TessarityPrivate* owner) : _owner(owner) {}
+Parser::Parser(ProgramHost* host) : _host(host) {}
 
 bool Parser::loadProgram(const std::string& program, void* handle, const std::string& directory) {
     const std::list<std::string> items = blockString('{', '}', removeComments('#', program));
@@ -115,13 +115,13 @@ bool Parser::loadProgram(const std::string& program, void* handle, const std::st
             case DeleteStatement: {
                 const std::string target = trimString(item);
                 if (name == "filter") {
-                    if (!_owner->deleteFilter(target))
+                    if (!_host->deleteFilter(target))
                         TES_LOG(kelvo::log::Warning, "Can't delete filter: " << target);
                 } else if (name == "source") {
-                    if (!_owner->deleteSource(target))
+                    if (!_host->deleteSource(target))
                         TES_LOG(kelvo::log::Warning, "Can't delete source: " << target);
                 } else if (name == "process") {
-                    if (!_owner->deleteProcess(target))
+                    if (!_host->deleteProcess(target))
                         TES_LOG(kelvo::log::Warning, "Can't delete process: " << target);
                 }
                 break;
@@ -131,7 +131,7 @@ bool Parser::loadProgram(const std::string& program, void* handle, const std::st
                 if (!directory.empty())
                     path = boost::filesystem::absolute(path, directory).string();
                 // A missing or bad file does not stop the importing program.
-                _owner->loadProgramFromFile(path, handle);
+                _host->loadProgramFromFile(path, handle);
                 break;
             }
             case Header:
@@ -144,7 +144,7 @@ bool Parser::loadProgram(const std::string& program, void* handle, const std::st
 bool Parser::_createSource(const std::string& name, const std::string& item,
                            const std::string& program) {
     const std::string body = trimString(item);
-    if (!_owner->createSource(name)) return false;
+    if (!_host->createSource(name)) return false;
     if (body.empty()) return true;
     // "null" sets a null value; a filter name would be a lambda value, which none can be yet.
     boost::shared_ptr<Data> value = literalData(body);
@@ -154,7 +154,7 @@ bool Parser::_createSource(const std::string& name, const std::string& item,
         return false;
     }
     try {
-        _owner->setData(name, value);
+        _host->setData(name, value);
     } catch (const std::invalid_argument&) {
         // A name with ":" is read as "process:source" by setData; the engine logged it.
         return false;
@@ -180,8 +180,8 @@ bool Parser::createFilter(const std::string& name, const std::string& body) {
 bool Parser::createFilter(const std::string& name, const std::list<std::string>& filters,
                           const std::list<std::string>& links, const std::list<std::string>& inputs,
                           const std::list<std::string>& outputs) {
-    TessarityPrivate::Pairs nodes = pairs(filters, " ");
-    TessarityPrivate::Links connections;
+    ProgramHost::Pairs nodes = pairs(filters, " ");
+    ProgramHost::Links connections;
     for (const std::string& line : links) {
         const std::pair<std::string, std::string> cut = splitString("->", line);
         if (!holds(cut.second, "->")) {
@@ -196,11 +196,11 @@ bool Parser::createFilter(const std::string& name, const std::list<std::string>&
         }
         const std::list<std::string> elements = chainElements(cut.first, cut.second);
         for (auto from = elements.begin(), to = std::next(from); to != elements.end(); ++from, ++to)
-            connections.push_back(std::make_pair(TessarityPrivate::PortName(*from, ""),
-                                                 TessarityPrivate::PortName(*to, "")));
+            connections.push_back(
+                std::make_pair(ProgramHost::PortName(*from, ""), ProgramHost::PortName(*to, "")));
     }
-    return _owner->createFilter(name, nodes, connections, exports(inputs, "<="),
-                                exports(outputs, "=>"));
+    return _host->createFilter(name, nodes, connections, exports(inputs, "<="),
+                               exports(outputs, "=>"));
 }
 
 bool Parser::createProcess(const std::string& header, const std::string& body) {
@@ -273,15 +273,15 @@ bool Parser::createProcess(const std::string& header, const std::list<std::strin
         }
         tolerance = Type::Duration(toInteger(entry[3]));
     }
-    return _owner->createProcess(name, filter, pairs(inputs, "<="), pairs(outputs, "=>"),
-                                 pairs(triggers, "~>"), pairs(sources, " "), priority, frequency,
-                                 tolerance);
+    return _host->createProcess(name, filter, pairs(inputs, "<="), pairs(outputs, "=>"),
+                                pairs(triggers, "~>"), pairs(sources, " "), priority, frequency,
+                                tolerance);
 }
 
 bool Parser::createEvent(const std::string& origin, const std::string& body) {
     try {
         // The origin is tried as a sink first; that failure is logged, and a source is tried.
-        if (!_owner->createEvent(origin, body)) _owner->createSourceEvent(origin, body);
+        if (!_host->createEvent(origin, body)) _host->createSourceEvent(origin, body);
     } catch (const std::exception& error) {
         TES_LOG(kelvo::log::Error, error.what());
         return false;
@@ -326,7 +326,7 @@ bool Parser::createFilterFromScript(const std::string& header, const std::string
 bool Parser::createFilterFromScript(const std::string& name, const std::string&, Language,
                                     const std::list<std::string>&, const std::list<std::string>&) {
     // No script engine is built in: a script filter is checked, then refused.
-    if (_owner->isFilter(name))
+    if (_host->isFilter(name))
         TES_LOG(kelvo::log::Error, "createFilterFromScript("
                                        << name << ", script, language): The filter " << name
                                        << " already exist.");

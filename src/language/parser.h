@@ -6,7 +6,7 @@
 
 namespace Tessarity {
 
-class TessarityPrivate;
+class ProgramHost;
 
 // The one language of scripts: a script filter is parsed and checked, then refused.
 enum Language { Lua };
@@ -15,7 +15,7 @@ enum Language { Lua };
 // application calls, so that the language and the calls accept the same things.
 class Parser {
 public:
-    explicit Parser(TessarityPrivate* owner);
+    explicit Parser(ProgramHost* host);
 
     // `handle` is the application's Tessarity*, handed on to imports and plug-in modules;
     // `directory` is where the relative paths of imports start, empty for a text.
@@ -42,7 +42,7 @@ private:
     bool _createSource(const std::string& name, const std::string& item,
                        const std::string& program);
 
-    TessarityPrivate* _owner;
+    ProgramHost* _host;
 };
 
 }  // namespace Tessarity

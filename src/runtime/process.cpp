@@ -5,8 +5,8 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "graph/aggregated_sink.h"
 #include "common/logging.h"
+#include "graph/aggregated_sink.h"
 #include "graph/node_filter.h"
 #include "graph/node_sink.h"
 #include "graph/node_source.h"

@@ -9,7 +9,7 @@
 #include <kelvo/os.h>
 
 #include "runtime/process.h"
-#include "engine/tessarity_private.h"
+#include "runtime/scheduler_host.h"
 
 namespace Tessarity {
 
@@ -18,8 +18,8 @@ const char* const kIdleThreadName = "TesWrk_idle";
 const long long kIdleSleepMilliseconds = 100;
 }  // namespace
 
-Scheduler::Scheduler(TessarityPrivate* owner, unsigned int threadCount)
-    : _owner(owner), _running(false), _threadCount(threadCount), _generation(0) {}
+Scheduler::Scheduler(const SchedulerHost* host, unsigned int threadCount)
+    : _host(host), _running(false), _threadCount(threadCount), _generation(0) {}
 
 Scheduler::~Scheduler() {
     if (_running) stop();
@@ -30,7 +30,7 @@ bool Scheduler::start() {
     if (_running) return true;
     _running = true;
     for (unsigned int i = 0; i < _threadCount; ++i)
-        _threads.emplace_back(new boost::thread(boost::bind(&Scheduler::run, this)));
+        _threads.emplace_back(new boost::thread(boost::bind(&Scheduler::_run, this)));
     return true;
 }
 
@@ -48,29 +48,29 @@ bool Scheduler::stop() {
     return true;
 }
 
-bool Scheduler::processSort(const Count& a, const Count& b) { return a.second < b.second; }
+bool Scheduler::_processSort(const Count& a, const Count& b) { return a.second < b.second; }
 
 bool Scheduler::update() {
     std::vector<Count> list;
-    for (const boost::shared_ptr<Process>& process : _owner->_getScheduledProcesses())
+    for (const boost::shared_ptr<Process>& process : _host->getScheduledProcesses())
         list.push_back(Count(process, 1u << (process->getPriority() - 1)));
     if (list.empty()) {
         boost::mutex::scoped_lock lock(_scheduleMutex);
         _schedule.clear();
         return true;
     }
-    std::sort(list.begin(), list.end(), processSort);
+    std::sort(list.begin(), list.end(), _processSort);
     // Only the ratio of priorities matters: the lowest present counts 1.
     const unsigned int lowest = list.front().second;
     list.front().second = 1;
     for (std::size_t i = 1; i < list.size(); ++i) list[i].second /= lowest;
     boost::mutex::scoped_lock lock(_scheduleMutex);
     _schedule.clear();
-    buildSchedulingList(&_schedule, &list);
+    _buildSchedulingList(&_schedule, &list);
     return true;
 }
 
-void Scheduler::buildSchedulingList(std::vector<Job>* out, std::vector<Count>* list) {
+void Scheduler::_buildSchedulingList(std::vector<Job>* out, std::vector<Count>* list) {
     if (list->empty()) return;
     if (list->back().second == 1) {
         for (const Count& entry : *list) out->push_back(Job(entry.first, Type::Time()));
@@ -84,9 +84,9 @@ void Scheduler::buildSchedulingList(std::vector<Job>* out, std::vector<Count>* l
         else
             others.push_back(Count(entry.first, entry.second / 2));
     }
-    buildSchedulingList(out, &others);
-    buildSchedulingList(out, &ones);
-    buildSchedulingList(out, &others);
+    _buildSchedulingList(out, &others);
+    _buildSchedulingList(out, &ones);
+    _buildSchedulingList(out, &others);
 }
 
 std::vector<boost::shared_ptr<Process>> Scheduler::getScheduledProcessList() const {
@@ -121,7 +121,7 @@ void Scheduler::_sleep(long long milliseconds, unsigned long generation) {
                             [&] { return !_running || _generation != generation; });
 }
 
-Scheduler::Job Scheduler::getNextJob() {
+Scheduler::Job Scheduler::_getNextJob() {
     // Read first, so that a job added from here on cuts the sleep below short.
     const unsigned long generation = _generation;
     {
@@ -159,17 +159,17 @@ Scheduler::Job Scheduler::getNextJob() {
     if (allHeld)
         _sleep(kIdleSleepMilliseconds, generation);
     else
-        _sleep(_owner->_getNextComputationTime().getTotalMilliseconds(), generation);
+        _sleep(_host->getNextComputationTime().getTotalMilliseconds(), generation);
     return Job();
 }
 
-void Scheduler::run() {
+void Scheduler::_run() {
     kelvo::os::setCurrentThreadName(kIdleThreadName);
     while (_running) {
         sched_yield();
-        Job job = getNextJob();
+        Job job = _getNextJob();
         if (!job.first) continue;
-        if (!_owner->isProcess(job.first->getName())) {
+        if (!_host->isProcess(job.first->getName())) {
             // Deleted since the cycle was laid out.
             boost::mutex::scoped_lock lock(_jobMutex);
             _runningProcesses.erase(job.first);

@@ -14,21 +14,23 @@
 
 #include <tessarity/time.h>
 
+#include "graph/job_queue.h"
+
 namespace Tessarity {
 
 class Process;
-class TessarityPrivate;
+class SchedulerHost;
 
 // The pool of workers that runs processes without being asked. One cycle of the schedule
 // holds a process of priority p 2^(p-1) times; workers take jobs from a copy of it, from its
 // back, and the worker that finds the copy empty refills it and sleeps until the next process
 // is due. Events put a job at the back, so it is the next one taken.
-class Scheduler {
+class Scheduler : public JobQueue {
 public:
     // A time of zero runs the process for the time at which the job starts.
     typedef std::pair<boost::shared_ptr<Process>, Type::Time> Job;
 
-    Scheduler(TessarityPrivate* owner, unsigned int threadCount);
+    Scheduler(const SchedulerHost* host, unsigned int threadCount);
     ~Scheduler();
 
     // A second start, or a second stop, does nothing. Both always return true.
@@ -39,21 +41,21 @@ public:
     std::vector<boost::shared_ptr<Process>> getScheduledProcessList() const;
     // Wakes a sleeping worker at once, so an event's job does not wait out a sleep.
     bool addProcessToScheduledProcessList(const boost::shared_ptr<Process>& process,
-                                          const Type::Time& time);
+                                          const Type::Time& time) override;
 
 private:
     typedef std::pair<boost::shared_ptr<Process>, unsigned int> Count;
 
-    void run();
-    Job getNextJob();
-    static bool processSort(const Count& a, const Count& b);
-    static void buildSchedulingList(std::vector<Job>* out, std::vector<Count>* list);
+    void _run();
+    Job _getNextJob();
+    static bool _processSort(const Count& a, const Count& b);
+    static void _buildSchedulingList(std::vector<Job>* out, std::vector<Count>* list);
     // Sleeps up to `milliseconds`; returns early on stop or when a job has been added since
     // `generation` was read.
     void _sleep(long long milliseconds, unsigned long generation);
     void _wake();
 
-    TessarityPrivate* _owner;
+    const SchedulerHost* _host;
     std::atomic<bool> _running;
     boost::mutex _startStopMutex;
     std::vector<Job> _jobs;

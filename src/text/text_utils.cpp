@@ -1,4 +1,4 @@
-#include "language/text_utils.h"
+#include "text/text_utils.h"
 
 #include <boost/make_shared.hpp>
 

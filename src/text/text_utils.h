@@ -1,5 +1,5 @@
-#ifndef TESSARITY_LANGUAGE_TEXT_UTILS_H
-#define TESSARITY_LANGUAGE_TEXT_UTILS_H
+#ifndef TESSARITY_TEXT_TEXT_UTILS_H
+#define TESSARITY_TEXT_TEXT_UTILS_H
 
 #include <list>
 #include <string>

@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "kits/engine_kit.h"
 #include "graph/filter_composite.h"
 #include "graph/node_filter.h"
 #include "graph/port.h"
+#include "kits/engine_kit.h"
 
 using namespace enginekit;
 

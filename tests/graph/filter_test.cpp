@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <boost/make_shared.hpp>
 
-#include "graph/filter_primitive.h"
 #include "filters/flow/mandatory.h"
+#include "graph/filter_primitive.h"
 #include "graph/memory_manager.h"
 #include "graph/port.h"
 

@@ -5,9 +5,9 @@
 #include <boost/make_shared.hpp>
 
 #include "graph/event.h"
-#include "kits/log_capture.h"
 #include "graph/node_source.h"
 #include "graph/port.h"
+#include "kits/log_capture.h"
 
 using namespace Tessarity;
 

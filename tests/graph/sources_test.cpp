@@ -1,9 +1,9 @@
 // The source variants: where a run's snapshot comes from, with the protocol kept balanced.
-#include "kits/graph_kit.h"
-#include "runtime/node_process_source.h"
 #include "graph/node_pulse.h"
 #include "graph/node_source_alias.h"
 #include "graph/source_adapter.h"
+#include "kits/graph_kit.h"
+#include "runtime/node_process_source.h"
 
 using namespace graphkit;
 

@@ -10,11 +10,11 @@
 #include "graph/aggregated_sink.h"
 #include "graph/event.h"
 #include "graph/filter_primitive.h"
-#include "kits/log_capture.h"
 #include "graph/node_filter.h"
 #include "graph/node_sink.h"
 #include "graph/node_source.h"
 #include "graph/port.h"
+#include "kits/log_capture.h"
 #include "runtime/process.h"
 
 namespace graphkit {

@@ -2,9 +2,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "engine/tessarity_private.h"
 #include "kits/graph_kit.h"
 #include "runtime/scheduler.h"
-#include "engine/tessarity_private.h"
 
 using namespace graphkit;
 
@@ -178,10 +178,10 @@ TEST(Event, CallbacksAndProcessJobs) {
     Graph g(boost::make_shared<Probe>(0, 1, [&](const Values&) { return ++runs, Values(); }), 1.0f);
     g.process->setPriority(0);   // runs only when a job asks for it
     TessarityPrivate engine(1);  // its worker stops before the objects above die
-    ASSERT_TRUE(engine._addProcess(g.process));
+    ASSERT_TRUE(engine.getProcessRegistry().add(g.process));
     value->setTimestamp(at(5000000));
     Event(g.process, boost::weak_ptr<Scheduler>()).raise(value);  // a scheduler that is gone
-    Event(g.process, engine._getScheduler()).raise(value);
+    Event(g.process, engine.getScheduler()).raise(value);
     for (int i = 0; i < 3000 && runs == 0; ++i)
         boost::this_thread::sleep_for(boost::chrono::milliseconds(10));
     ASSERT_EQ(runs, 1);

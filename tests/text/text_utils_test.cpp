@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "language/text_utils.h"
+#include "text/text_utils.h"
 
 using namespace Tessarity;
 using namespace std::string_literals;

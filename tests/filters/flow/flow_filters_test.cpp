@@ -10,9 +10,9 @@
 #include "filters/flow/mandatory.h"
 #include "filters/flow/multiplex.h"
 #include "filters/flow/print.h"
-#include "kits/log_capture.h"
 #include "graph/memory_manager.h"
 #include "graph/port.h"
+#include "kits/log_capture.h"
 
 using namespace Tessarity;
 
