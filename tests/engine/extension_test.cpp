@@ -121,6 +121,20 @@ TEST(ProgramFile, ModuleRegistersThroughItsEntry) {
     EXPECT_EQ(log.countAtMost(kelvo::log::Error), 0u);
 }
 
+TEST(ProgramFile, ReadmeExampleRuns) {
+    LogCapture log;
+    Engine engine(0);
+    ASSERT_TRUE(engine.loadProgramFromFile(TESSARITY_EXAMPLES_DIR "/gate.tsp"));
+    EXPECT_EQ(engine.getSources(), (Names{"camera", "lens", "limit"}));  // lens is imported
+    EXPECT_EQ(engine.getProcesses(), (Names{"Main", "Watch"}));
+    auto value = boost::make_shared<Data>(7);
+    value->setTimestamp(at(1000000));
+    engine.setData("camera", value);
+    EXPECT_EQ(text(engine.getData("Watch:copy", at(1000000))), "7");
+    EXPECT_EQ(text(engine.getLastData("Main:mask")), "7");
+    EXPECT_EQ(log.countAtMost(kelvo::log::Warning), 0u);
+}
+
 TEST(GraphDump, PrimitiveNodeAndCompositeAtEachDepth) {
     LogCapture log;
     Engine engine(0);
