@@ -106,9 +106,7 @@ TEST(Labeling, HandMadeImages) {
         {CV_8U, kChain, 0, 0, 10, 0, "1 0 1 0 1 / 1 0 1 1 1 / 1 1 1 0 0"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.image) + " tolerances " + std::to_string(c.toleranceH) + " " +
-                     std::to_string(c.toleranceV) + " bounds " + std::to_string(c.minArea) + " " +
-                     std::to_string(c.maxArea));
+        SCOPED_TRACE("case " + std::to_string(&c - cases));
         cv::Mat image;
         parse(c.image).convertTo(image, c.depth);
         const cv::Mat_<int> labels = label(image, c.toleranceH, c.toleranceV, c.minArea, c.maxArea);
