@@ -19,6 +19,7 @@
 #include <tessarity/duration.h>
 #include <tessarity/stringhash.h>
 #include <tessarity/time.h>
+#include <tessarity/types/lambda.h>
 #include <tessarity/userfilter.h>
 #include <tessarity/usersource.h>
 
@@ -74,6 +75,8 @@ public:
     std::vector<std::string> getFilterInputs(const std::string& name) const;
     std::vector<std::string> getFilterOutputs(const std::string& name) const;
     bool deleteFilter(const std::string& name);
+    // A filter of the library as a value, to apply and curry; null for an unknown name.
+    boost::shared_ptr<Type::Lambda> createLambda(const std::string& filter) const;
 
     // Sources. A name is unique among sources and aliases; "process:source" addresses a
     // local source of a process. Data cannot be set through an alias.

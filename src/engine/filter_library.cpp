@@ -4,6 +4,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <tessarity/types/lambda.h>
+
 #include "common/logging.h"
 #include "filters/catalogue.h"
 #include "graph/filter.h"
@@ -210,6 +212,13 @@ std::vector<std::string> FilterLibrary::getFilterInputs(const std::string& name)
 
 std::vector<std::string> FilterLibrary::getFilterOutputs(const std::string& name) const {
     return _portLines(name, false, "getFilterOutputs");
+}
+
+boost::shared_ptr<Type::Lambda> FilterLibrary::createLambda(const std::string& name) const {
+    if (boost::shared_ptr<Filter> filter = find(name)) return Type::Lambda::createLambda(filter);
+    TES_LOG(kelvo::log::Error,
+            "createLambda(\"" << name << "\"): The filter \"" << name << "\" has not been found.");
+    return boost::shared_ptr<Type::Lambda>();
 }
 
 bool FilterLibrary::deleteFilter(const std::string& name) {

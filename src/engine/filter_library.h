@@ -16,6 +16,9 @@ namespace Tessarity {
 class Filter;
 class MemoryManager;
 class UserFilter;
+namespace Type {
+class Lambda;
+}
 
 // The filters that processes and composites may instantiate, by name: the built-in catalogue,
 // composites, user filters. Its mutex is taken alone, or innermost.
@@ -47,6 +50,8 @@ public:
     std::vector<std::string> getFilterInputs(const std::string& name) const;
     std::vector<std::string> getFilterOutputs(const std::string& name) const;
     bool deleteFilter(const std::string& name);
+    // A lambda of the filter of that name, or null, with a line in the log.
+    boost::shared_ptr<Type::Lambda> createLambda(const std::string& name) const;
 
     // The filter of that name, or null.
     boost::shared_ptr<Filter> find(const std::string& name) const;

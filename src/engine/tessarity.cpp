@@ -60,6 +60,10 @@ std::vector<std::string> Tessarity::getFilterOutputs(const std::string& name) co
     return _d->getFilterLibrary().getFilterOutputs(name);
 }
 
+boost::shared_ptr<Type::Lambda> Tessarity::createLambda(const std::string& filter) const {
+    return _d->getFilterLibrary().createLambda(filter);
+}
+
 bool Tessarity::deleteFilter(const std::string& name) {
     return _d->getFilterLibrary().deleteFilter(name);
 }

@@ -48,6 +48,10 @@ bool TessarityPrivate::createFilter(const std::string& name, const Pairs& filter
 
 bool TessarityPrivate::isFilter(const std::string& name) const { return _filters.isFilter(name); }
 
+boost::shared_ptr<Type::Lambda> TessarityPrivate::createLambda(const std::string& filter) const {
+    return _filters.createLambda(filter);
+}
+
 bool TessarityPrivate::deleteFilter(const std::string& name) { return _filters.deleteFilter(name); }
 
 bool TessarityPrivate::createSource(const std::string& name) { return _sources.createSource(name); }

@@ -52,6 +52,7 @@ private:
     bool createFilter(const std::string& name, const Pairs& filters, const Links& links,
                       const Exports& inputs, const Exports& outputs) override;
     bool isFilter(const std::string& name) const override;
+    boost::shared_ptr<Type::Lambda> createLambda(const std::string& filter) const override;
     bool deleteFilter(const std::string& name) override;
     bool createSource(const std::string& name) override;
     void setData(const std::string& source, boost::shared_ptr<Data> data) override;

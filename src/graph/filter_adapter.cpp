@@ -63,11 +63,15 @@ std::vector<boost::shared_ptr<Data>> FilterAdapter::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash& process,
     const StringHash& request, long long) {
     if (!_userFilter->hasLocalData()) return _userFilter->apply(inputs);
-    // The state of this key is swapped into the user filter's one slot for the call.
     boost::mutex::scoped_lock lock(_localDataMutex);
-    _userFilter->setLocalData(_getMemoryManager()->getData(process, request));
+    MemoryManager* memory = _getMemoryManager();
+    // Outside the library (a lambda of a user filter) there is no memory to swap in: the user
+    // filter keeps its state in its own slot.
+    if (!memory) return _userFilter->apply(inputs);
+    // The state of this key is swapped into the user filter's one slot for the call.
+    _userFilter->setLocalData(memory->getData(process, request));
     std::vector<boost::shared_ptr<Data>> result = _userFilter->apply(inputs);
-    _getMemoryManager()->setData(process, request, _userFilter->getLocalData());
+    memory->setData(process, request, _userFilter->getLocalData());
     return result;
 }
 

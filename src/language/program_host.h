@@ -9,6 +9,7 @@
 
 #include <tessarity/data.h>
 #include <tessarity/duration.h>
+#include <tessarity/types/lambda.h>
 
 namespace Tessarity {
 
@@ -27,6 +28,8 @@ public:
     virtual bool createFilter(const std::string& name, const Pairs& filters, const Links& links,
                               const Exports& inputs, const Exports& outputs) = 0;
     virtual bool isFilter(const std::string& name) const = 0;
+    // A lambda of a library filter, or null.
+    virtual boost::shared_ptr<Type::Lambda> createLambda(const std::string& filter) const = 0;
     virtual bool deleteFilter(const std::string& name) = 0;
     virtual bool createSource(const std::string& name) = 0;
     // Throws std::invalid_argument, after logging it, for a name that is no source.
