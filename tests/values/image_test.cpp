@@ -117,15 +117,17 @@ TEST(Rendering, HistogramBarsStandOnTheRowBelowThePicture) {
         return columns;
     };
     const std::string white = "255,255,255*640 ";
-    // A range of 1000 halves to 500: scale 2. 640 fits as it is; 641 needs a scale of 2.
+    // The scale halves the range until it fits in 640: 640 fits as it is, 641 and 1281 need
+    // 2, 1282 needs 4. A range of 1000 gives a bar of 500.
     EXPECT_EQ("2 640 | " + white + "| 255,255,255*141 0,0,0*499 ", chart({0, 1000}, 1));
     EXPECT_EQ("2 640 | " + white + "| 255,255,255*1 0,0,0*639 ", chart({0, 640}, 1));
     EXPECT_EQ("2 640 | " + white + "| 255,255,255*321 0,0,0*319 ", chart({0, 641}, 1));
-    // Below the scale, or one unit high (its only pixel on row 640), a bar leaves no mark.
-    EXPECT_EQ("3 640 | " + white + "| " + white + "| " + white, chart({5, 6, 6.9f}, 1));
     EXPECT_EQ("2 640 | " + white + "| 255,255,255*1 0,0,0*639 ", chart({0, 1281}, 1));
+    // Below the scale (3 of 4 here), or one unit high with its only pixel on row 640, a bar
+    // leaves no mark.
     EXPECT_EQ("3 640 | " + white + "| 255,255,255*321 0,0,0*319 | " + white,
               chart({0, 1282, 3}, 1));
+    EXPECT_EQ("3 640 | " + white + "| " + white + "| " + white, chart({5, 6, 6.9f}, 1));
     // Three channels: the bins of a triple are red, green and blue.
     EXPECT_EQ("6 640 | " + white + "| 255,255,255*631 0,255,0*9 | 255,255,255*631 0,0,255*9 " +
                   "| 255,255,255*631 255,0,0*9 | " + white + "| " + white,
