@@ -209,8 +209,8 @@ boost::shared_ptr<ColorImage> LabelImage::toColorImage() {
         if (static_cast<std::size_t>(label) >= first.size())
             first.resize(
                 std::min(std::max(first.size() * 2, std::size_t(label) + 1), std::size_t(count)));
-        // A label first met at index 0 stores 0, which reads as "not met yet": it is stamped
-        // again at each of its pixels, and never kept at hand.
+        // A label first met at index 0 stores 0, which reads as "not met yet": its next pixel
+        // stamps its own index, and that one stands.
         int& entry = first[label];
         if (entry == 0) entry = index;
         const Rgb known = rgb(255, entry & 0xFF, (entry >> 8) & 0xFF);

@@ -69,10 +69,10 @@ TEST(Rendering, GrayBinaryAndLabels) {
     EXPECT_EQ(binary, render<BinaryImage>(256, bytes));
 
     // A label is coloured by the flat index of its first pixel: (255, low byte, next byte).
-    // Label 3 starts at index 0, so each of its pixels stamps its own index; labels outside
-    // 1..299 are drawn as if met first where they stand.
+    // Label 3 starts at index 0, which reads as unset: its next pixel, 5, stamps the colour
+    // that stands. Labels outside 1..299 are drawn as if met first where they stand.
     std::vector<double> labels(300, 0);
-    labels[0] = labels[5] = 3;
+    labels[0] = labels[5] = labels[7] = 3;
     labels[2] = labels[299] = 4;
     labels[270] = labels[271] = 9;
     labels[290] = 300;
@@ -80,9 +80,10 @@ TEST(Rendering, GrayBinaryAndLabels) {
     LabelImage image = filled<LabelImage>(20, 15, labels);
     const cv::Mat picture = image.toColorImage()->mat;
     std::string seen;
-    for (int index : {0, 1, 2, 5, 270, 271, 290, 291, 299})
+    for (int index : {0, 1, 2, 5, 7, 270, 271, 290, 291, 299})
         seen += rows(picture.row(index / 20).colRange(index % 20, index % 20 + 1)) + " ";
-    EXPECT_EQ("255,0,0 0,0,0 255,2,0 255,5,0 255,14,1 255,14,1 255,34,1 255,35,1 255,2,0 ", seen);
+    EXPECT_EQ("255,0,0 0,0,0 255,2,0 255,5,0 255,5,0 255,14,1 255,14,1 255,34,1 255,35,1 255,2,0 ",
+              seen);
 }
 
 TEST(Rendering, AudioWaveInOneBandPerChannel) {
