@@ -1,5 +1,6 @@
 // Pictures made from images, audio buffers and histograms, byte for byte, and the sampling,
 // rounding and angle rules of scaleDown and extract.
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
@@ -75,15 +76,18 @@ TEST(Rendering, GrayBinaryAndLabels) {
     labels[0] = labels[5] = labels[7] = 3;
     labels[2] = labels[299] = 4;
     labels[270] = labels[271] = 9;
+    std::fill(labels.begin() + 36, labels.begin() + 44, 6);  // a run across a row's end
     labels[290] = 300;
     labels[291] = -1;
     LabelImage image = filled<LabelImage>(20, 15, labels);
     const cv::Mat picture = image.toColorImage()->mat;
     std::string seen;
-    for (int index : {0, 1, 2, 5, 7, 270, 271, 290, 291, 299})
+    for (int index : {0, 1, 2, 5, 7, 36, 39, 40, 43, 44, 270, 271, 290, 291, 299})
         seen += rows(picture.row(index / 20).colRange(index % 20, index % 20 + 1)) + " ";
-    EXPECT_EQ("255,0,0 0,0,0 255,2,0 255,5,0 255,5,0 255,14,1 255,14,1 255,34,1 255,35,1 255,2,0 ",
-              seen);
+    EXPECT_EQ(
+        "255,0,0 0,0,0 255,2,0 255,5,0 255,5,0 255,36,0 255,36,0 255,36,0 255,36,0 0,0,0 "
+        "255,14,1 255,14,1 255,34,1 255,35,1 255,2,0 ",
+        seen);
 }
 
 TEST(Rendering, AudioWaveInOneBandPerChannel) {
