@@ -14,12 +14,21 @@
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <tessarity/cv_bridge.h>
 #include <tessarity/data.h>
 #include <tessarity/datatype.h>
 #include <tessarity/duration.h>
 #include <tessarity/stringhash.h>
 #include <tessarity/time.h>
+#include <tessarity/types/audio_buffer.h>
+#include <tessarity/types/color.h>
+#include <tessarity/types/histogram.h>
+#include <tessarity/types/human.h>
+#include <tessarity/types/image.h>
 #include <tessarity/types/lambda.h>
+#include <tessarity/types/object.h>
+#include <tessarity/types/region.h>
+#include <tessarity/types/vector.h>
 #include <tessarity/userfilter.h>
 #include <tessarity/usersource.h>
 
