@@ -6,6 +6,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <tessarity/types/lambda.h>
+
 #include "common/logging.h"
 #include "engine/filter_library.h"
 #include "engine/source_registry.h"
@@ -191,6 +193,9 @@ bool ProcessBuilder::_wireInputs(const ProcessRegistry::Lock& processes, Process
         } else if ((constant = literalData(value))) {
         } else if (value == "null") {
             isNull = true;
+        } else if (boost::shared_ptr<Filter> filter = _filters.find(value)) {
+            // A filter's name gives that filter as a value.
+            constant = boost::make_shared<Data>(Type::Lambda::createLambda(filter));
         } else {
             failure.text << p1 << "impossible to find the specified source \"" << value << "\".";
             return failure.fail(kelvo::log::Error);

@@ -146,8 +146,11 @@ bool Parser::_createSource(const std::string& name, const std::string& item,
     const std::string body = trimString(item);
     if (!_host->createSource(name)) return false;
     if (body.empty()) return true;
-    // "null" sets a null value; a filter name would be a lambda value, which none can be yet.
+    // "null" sets a null value, and a filter's name that filter as a value.
     boost::shared_ptr<Data> value = literalData(body);
+    if (!value && body != "null" && _host->isFilter(body))
+        if (boost::shared_ptr<Type::Lambda> lambda = _host->createLambda(body))
+            value = boost::make_shared<Data>(lambda);
     if (!value && body != "null") {
         TES_LOG(kelvo::log::Error, "loadProgram(" << program << ", tessarityHandle): The source "
                                                   << name << " has an invalid body: " << item);

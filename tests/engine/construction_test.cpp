@@ -44,7 +44,7 @@ TEST(Construction, LiteralInputsAndTheirEdges) {
         {"12", "12"},       {"-3", "-3"},          {"", "0"},
         {"1.5", "1.5f"},    {".5", "0.5f"},        {"infinity", "inff"},
         {"false", "False"}, {"\"a\\tb\"", "a\tb"}, {"true", "from the source"},
-        {"null", "null"}};
+        {"null", "null"},   {"Head", "{void*}"}};
     for (const auto& c : cases) {
         ASSERT_TRUE(create(engine, "lit", "Identity", {{"in", c.first}}, {{"out", "out"}}));
         // "null" feeds no value: Identity's required input aborts the run.

@@ -80,8 +80,9 @@ TEST(Program, StatementsStopAtTheFirstFailure) {
         {"delete source { nothing }", "true ||Can't delete source: nothing"},
         {"source a { 1 } source a { 1 } source b { }", "false|a,|"},
         {"source a {0x10}", refused("source a {0x10}", "0x10")},
-        // No lambda value can be made yet: a filter name is refused like any other text.
-        {"source a {Head}", refused("source a {Head}", "Head")},
+        // A filter's name is a value: the filter as a lambda.
+        {"source a {Head}", "true |a,|"},
+        {"delete filter {Head} source a {Head}", refused("delete filter {Head} source a {Head}", "Head")},
         // The comment cuts the literal and its closing quote; the rest is one unterminated body.
         {"source a {\"#\"}\nb", refused("source a {\"#\"}\nb", "\"b" + std::string(1, '\0'))},
         // setData reads the name as "process:source"; the load stops without throwing.
@@ -95,7 +96,8 @@ TEST(Program, SourceValuesByLiteralForm) {
                                                          {"-.5", "Float -0.5f"},
                                                          {"\"a;b\"", "String a;b"},
                                                          {"\"\"", "String "},
-                                                         {"null", "null"}};
+                                                         {"null", "null"},
+                                                         {"Identity", "Lambda {void*}"}};
     for (const auto& c : cases) {
         Engine engine(0);
         EXPECT_TRUE(engine.loadProgram("source a {\n " + c.first + " \n}")) << c.first;
