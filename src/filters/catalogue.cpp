@@ -9,10 +9,15 @@ namespace Filters {
 namespace {
 
 // The order in which a new engine registers the built-in filters.
-const char* const kCatalogueOrder[] = {"Dispatch",   "Duplicate",  "Head",       "Identity",
-                                       "IfChanged",  "Multiplex",  "Print",      "Mandatory1",
-                                       "Mandatory2", "Mandatory3", "Mandatory4", "Mandatory5",
-                                       "Mandatory6", "Mandatory7", "Mandatory8"};
+const char* const kCatalogueOrder[] = {
+    "Accum",      "SlidingWindow", "Add",          "Append",     "Apply",      "BoundingBox",
+    "Curry",      "Density",       "Dilation",     "Dispatch",   "Draw",       "Duplicate",
+    "Erosion",    "Extract",       "Geodesic",     "Gravity",    "Head",       "Histogram",
+    "Hue",        "Identity",      "IfChanged",    "Invert",     "Labelize",   "ImprovedLabelize",
+    "Luminance",  "Mask",          "Max",          "Min",        "Multiplex",  "Multiply",
+    "Otsu",       "Print",         "Ratio",        "Saturation", "ScaleDown",  "SNN",
+    "Sub",        "Threshold",     "ToColorImage", "Mandatory1", "Mandatory2", "Mandatory3",
+    "Mandatory4", "Mandatory5",    "Mandatory6",   "Mandatory7", "Mandatory8"};
 
 }  // namespace
 
@@ -20,7 +25,10 @@ std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     FilterFactories factories;
     addFlowFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
-    for (const char* name : kCatalogueOrder) catalogue.push_back(factories.at(name)());
+    for (const char* name : kCatalogueOrder) {
+        auto factory = factories.find(name);
+        if (factory != factories.end()) catalogue.push_back(factory->second());
+    }
     return catalogue;
 }
 
