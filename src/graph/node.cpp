@@ -1,7 +1,5 @@
 #include "graph/node.h"
 
-#include <boost/thread/locks.hpp>
-
 #include "common/logging.h"
 #include "graph/port.h"
 
@@ -15,13 +13,17 @@ const char* const kLogFile = "src/node";
 Node::Node(const std::string& name) : _name(name) {}
 
 Node::~Node() {
-    if (!_synchronizeCounts.empty())
+    Counts counts;
+    _requests.forEach([&](unsigned long key, RequestState& state) {
+        if (state.synchronized) counts.emplace_back(key, state.synchronizeCount);
+    });
+    if (!counts.empty())
         TES_LOG(kelvo::log::Fatal, _name << "->~Node(): There is still active synchronize count:"
                                          << "\n"
-                                         << _describeCounts(_synchronizeCounts));
+                                         << _describeCounts(counts));
 }
 
-std::string Node::_describeCounts(const boost::unordered_map<unsigned long, int>& counts) {
+std::string Node::_describeCounts(const Counts& counts) {
     std::ostringstream lines;
     for (const auto& entry : counts)
         lines << "  process: " << entry.first << ", count: " << entry.second << "\n";
@@ -42,11 +44,10 @@ boost::shared_ptr<Port> Node::getOutput(const std::string& name) const {
 
 void Node::synchronize(const Type::Time& time, const Type::Duration& tolerance,
                        const StringHash& process, const StringHash& request, long long depth) {
-    // Held across the upstream recursion: locks nest from the sinks toward the sources.
-    boost::unique_lock<boost::shared_mutex> lock(_synchronizeMutex);
-    auto count = _synchronizeCounts.find(request.getHash());
-    if (count == _synchronizeCounts.end()) {
-        count = _synchronizeCounts.emplace(request.getHash(), 0).first;
+    RequestState& state = _requests.get(request.getHash());
+    if (!state.synchronized) {
+        state.synchronized = true;
+        state.synchronizeCount = 0;
         // Upstream nodes are counted once per request, at the first visit only.
         // Only the first link is followed; a link into a chain without a node leads nowhere
         // and is reported when the consumer pulls through it.
@@ -56,21 +57,18 @@ void Node::synchronize(const Type::Time& time, const Type::Duration& tolerance,
                 upstream->synchronize(time, tolerance, process, request, depth + 1);
         }
     }
-    ++count->second;
+    ++state.synchronizeCount;
     _synchronize(time, tolerance, process, request, depth);
 }
 
 void Node::synchronizeRelease(const StringHash& process, const StringHash& request,
                               long long depth) {
-    {
-        boost::unique_lock<boost::shared_mutex> lock(_synchronizeMutex);
-        auto count = _synchronizeCounts.find(request.getHash());
-        if (count != _synchronizeCounts.end()) {
-            if (--count->second == 0) _synchronizeCounts.erase(count);
-            // Every release reaches the node's own step, not only the last one.
-            _synchronizeRelease(process, request, depth);
-            return;
-        }
+    RequestState* state = _requests.find(request.getHash());
+    if (state && state->synchronized) {
+        if (--state->synchronizeCount == 0) state->synchronized = false;
+        // Every release reaches the node's own step, not only the last one.
+        _synchronizeRelease(process, request, depth);
+        return;
     }
     TES_LOG(kelvo::log::Fatal, _name << "->synchronizeRelease(" << process
                                      << "): Invalid release on process " << process);

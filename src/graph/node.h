@@ -5,17 +5,34 @@
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
-#include <boost/thread/shared_mutex.hpp>
-#include <boost/unordered_map.hpp>
 
 #include <tessarity/data.h>
 #include <tessarity/duration.h>
 #include <tessarity/stringhash.h>
 #include <tessarity/time.h>
 
+#include "graph/request_slots.h"
+
 namespace Tessarity {
 
 class Port;
+
+// What a node keeps of one request between the passes of a run.
+struct RequestState {
+    // The synchronize count; `synchronized` is set from the first visit of a run to the last
+    // release, so that a visit that comes back to the node through a cycle stops there.
+    bool synchronized = false;
+    int synchronizeCount = 0;
+    // Filter nodes: the consumers that remain, the outputs of the run, and the request the
+    // filter sees, made at the first run. The inputs are gathered in a vector kept for reuse.
+    int resultCount = 0;
+    bool computed = false;
+    bool computing = false;
+    std::vector<boost::shared_ptr<Data>> results;
+    std::vector<boost::shared_ptr<Data>> inputs;
+    StringHash filterRequest;
+    bool hasFilterRequest = false;
+};
 
 // A vertex of a process graph. The synchronize pass counts, per request, how many consumers
 // will pull from this node, so that a shared node computes once and is released by its last
@@ -52,15 +69,16 @@ protected:
     virtual void _synchronizeRelease(const StringHash& process, const StringHash& request,
                                      long long depth);
 
+    typedef std::vector<std::pair<unsigned long, int>> Counts;
     // The "process: HASH, count: N" lines that destructors log for counts left behind.
-    static std::string _describeCounts(const boost::unordered_map<unsigned long, int>& counts);
+    static std::string _describeCounts(const Counts& counts);
+
+    RequestSlots<RequestState> _requests;
 
 private:
     std::string _name;
     std::vector<boost::shared_ptr<Port>> _inputs;
     std::vector<boost::shared_ptr<Port>> _outputs;
-    boost::unordered_map<unsigned long, int> _synchronizeCounts;
-    boost::shared_mutex _synchronizeMutex;
 };
 
 }  // namespace Tessarity

@@ -28,20 +28,23 @@ NodeFilter::NodeFilter(const std::string& name, boost::shared_ptr<Filter> filter
 }
 
 NodeFilter::~NodeFilter() {
-    if (!_resultCounts.empty())
+    Counts counts;
+    _requests.forEach([&](unsigned long key, RequestState& state) {
+        if (state.resultCount) counts.emplace_back(key, state.resultCount);
+    });
+    if (!counts.empty())
         TES_LOG(kelvo::log::Fatal, getName()
                                        << "->~NodeFilter(): There is still count to entry cache:"
                                        << "\n"
-                                       << _describeCounts(_resultCounts));
+                                       << _describeCounts(counts));
 }
 
-StringHash NodeFilter::_filterRequest(const StringHash& request) {
-    boost::mutex::scoped_lock lock(_resultMutex);
-    auto known = _filterRequests.find(request.getHash());
-    if (known != _filterRequests.end()) return known->second;
-    StringHash filterRequest(request.getText() + _contextSuffix);
-    _filterRequests.emplace(request.getHash(), filterRequest);
-    return filterRequest;
+const StringHash& NodeFilter::_filterRequest(RequestState& state, const StringHash& request) {
+    if (!state.hasFilterRequest) {
+        state.filterRequest = StringHash(request.getText() + _contextSuffix);
+        state.hasFilterRequest = true;
+    }
+    return state.filterRequest;
 }
 
 void NodeFilter::_synchronize(const Type::Time& time, const Type::Duration& tolerance,
@@ -52,38 +55,66 @@ void NodeFilter::_synchronize(const Type::Time& time, const Type::Duration& tole
                                              << "): Filter node doesn't own a filter !");
         return;
     }
-    // Read without _resultMutex: the releases that change it run under the same
-    // synchronizeMutex that the caller holds.
-    if (_resultCounts.find(request.getHash()) == _resultCounts.end())
-        _filter->synchronize(time, tolerance, process, _filterRequest(request), depth);
-    boost::mutex::scoped_lock lock(_resultMutex);
-    ++_resultCounts[request.getHash()];
+    RequestState& state = _requests.get(request.getHash());
+    if (state.resultCount == 0)
+        _filter->synchronize(time, tolerance, process, _filterRequest(state, request), depth);
+    ++state.resultCount;
 }
 
 void NodeFilter::_synchronizeRelease(const StringHash& process, const StringHash& request,
                                      long long depth) {
-    bool last;
-    {
-        boost::mutex::scoped_lock lock(_resultMutex);
-        auto count = _resultCounts.find(request.getHash());
-        if (count == _resultCounts.end()) {
-            lock.unlock();
-            TES_LOG(kelvo::log::Fatal, getName() << "->_synchronizeRelease(" << process
-                                                 << "): Invalid release on process " << process);
-            return;
-        }
-        last = --count->second == 0;
-        if (last) {
-            _resultCounts.erase(count);
-            _results.erase(request.getHash());
-        }
+    RequestState* state = _requests.find(request.getHash());
+    if (!state || state->resultCount == 0) {
+        TES_LOG(kelvo::log::Fatal, getName() << "->_synchronizeRelease(" << process
+                                             << "): Invalid release on process " << process);
+        return;
+    }
+    const bool last = --state->resultCount == 0;
+    // The last consumer drops the outputs; the vector keeps its room for the next run.
+    if (last) {
+        state->computed = false;
+        state->results.clear();
     }
     if (!_filter) {
         TES_LOG(kelvo::log::Fatal, getName() << "->_synchronizeRelease(" << process
                                              << "): Filter node doesn't own a filter !");
         return;
     }
-    if (last) _filter->synchronizeRelease(process, _filterRequest(request), depth);
+    if (last) _filter->synchronizeRelease(process, _filterRequest(*state, request), depth);
+}
+
+void NodeFilter::_compute(RequestState& state, const StringHash& process, const StringHash& request,
+                          long long depth) {
+    // A missing required input stops the computation, but every input is still walked so
+    // that each count taken in the synchronize pass is released.
+    std::vector<boost::shared_ptr<Data>>& inputs = state.inputs;
+    inputs.clear();
+    bool complete = true;
+    for (const boost::shared_ptr<Port>& input : getInputs()) {
+        boost::shared_ptr<Data> value;
+        if (complete) {
+            value = input->requestData(process, request, depth + 1);
+            if (!value) value = input->getDefaultData();
+            if (!value) complete = input->isOptional();
+        } else {
+            input->requestEmpty(process, request, depth + 1);
+        }
+        inputs.push_back(std::move(value));
+        input->synchronizeRelease(process, request, depth + 1);
+    }
+    const StringHash& filterRequest = _filterRequest(state, request);
+    if (!_filter) {
+        // Reported at synchronize; without a filter the node answers nothing.
+        state.results.clear();
+    } else if (complete) {
+        state.results = _filter->applyFilter(inputs, process, filterRequest, depth);
+    } else {
+        state.results.clear();
+        _filter->abortFilter(process, filterRequest, depth);
+    }
+    // The inputs are not kept past the computation: the results alone stay for the consumers.
+    inputs.clear();
+    state.computed = true;
 }
 
 boost::shared_ptr<Data> NodeFilter::requestData(const StringHash& process,
@@ -94,49 +125,23 @@ boost::shared_ptr<Data> NodeFilter::requestData(const StringHash& process,
                 getName() << "->requestData(" << process << "): No output port specified");
         return boost::shared_ptr<Data>();
     }
-    std::vector<boost::shared_ptr<Data>> produced;
-    bool cached;
-    {
-        boost::mutex::scoped_lock lock(_resultMutex);
-        auto result = _results.find(request.getHash());
-        cached = result != _results.end();
-        if (cached) produced = result->second;
+    RequestState& state = _requests.get(request.getHash());
+    if (state.computing) {
+        // A link back into this node: a graph with a cycle has no value to give here.
+        TES_LOG(kelvo::log::Error, getName() << "->requestData(" << process
+                                             << "): the node depends on its own output.");
+        return boost::shared_ptr<Data>();
     }
-    if (!cached) {
-        // A missing required input stops the computation, but every input is still walked
-        // so that each count taken in the synchronize pass is released.
-        std::vector<boost::shared_ptr<Data>> inputs;
-        inputs.reserve(getInputs().size());
-        bool complete = true;
-        for (const boost::shared_ptr<Port>& input : getInputs()) {
-            boost::shared_ptr<Data> value;
-            if (complete) {
-                value = input->requestData(process, request, depth + 1);
-                if (!value) value = input->getDefaultData();
-                if (!value) complete = input->isOptional();
-            } else {
-                input->requestEmpty(process, request, depth + 1);
-            }
-            inputs.push_back(value);
-            input->synchronizeRelease(process, request, depth + 1);
-        }
-        // The filter runs outside every lock of the node.
-        const StringHash filterRequest = _filterRequest(request);
-        if (!_filter) {
-            // Reported at synchronize; without a filter the node answers nothing.
-        } else if (complete) {
-            produced = _filter->applyFilter(inputs, process, filterRequest, depth);
-        } else {
-            _filter->abortFilter(process, filterRequest, depth);
-        }
-        boost::mutex::scoped_lock lock(_resultMutex);
-        _results[request.getHash()] = produced;
+    if (!state.computed) {
+        state.computing = true;
+        _compute(state, process, request, depth);
+        state.computing = false;
     }
     // A composite asks through its exported port, whose parent is this node's port.
     const std::vector<boost::shared_ptr<Port>>& outputs = getOutputs();
     for (Port* p = port.get(); p; p = p->getParent().get())
         for (std::size_t i = 0; i < outputs.size(); ++i)
-            if (outputs[i].get() == p && i < produced.size()) return produced[i];
+            if (outputs[i].get() == p && i < state.results.size()) return state.results[i];
     return boost::shared_ptr<Data>();
 }
 
@@ -147,17 +152,15 @@ void NodeFilter::requestEmpty(const StringHash& process, const StringHash& reque
                 getName() << "->requestEmpty(" << process << "): No output port specified");
         return;
     }
-    {
-        boost::mutex::scoped_lock lock(_resultMutex);
-        if (_results.find(request.getHash()) != _results.end()) return;
-    }
+    RequestState& state = _requests.get(request.getHash());
+    if (state.computed) return;
     for (const boost::shared_ptr<Port>& input : getInputs()) {
         input->requestEmpty(process, request, depth + 1);
         input->synchronizeRelease(process, request, depth + 1);
     }
-    if (_filter) _filter->abortFilter(process, _filterRequest(request), depth);
-    boost::mutex::scoped_lock lock(_resultMutex);
-    _results[request.getHash()] = std::vector<boost::shared_ptr<Data>>();
+    if (_filter) _filter->abortFilter(process, _filterRequest(state, request), depth);
+    state.results.clear();
+    state.computed = true;
 }
 
 std::string NodeFilter::dumpToDot(long& id, int depth) const {

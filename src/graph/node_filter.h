@@ -5,8 +5,6 @@
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
-#include <boost/thread/mutex.hpp>
-#include <boost/unordered_map.hpp>
 
 #include "graph/node.h"
 
@@ -41,15 +39,14 @@ protected:
 
 private:
     // The request the filter sees: `request` followed by this node's suffix. Requests are
-    // the same from run to run, so each one is made once and kept.
-    StringHash _filterRequest(const StringHash& request);
+    // the same from run to run, so each one is made once and kept in its state.
+    const StringHash& _filterRequest(RequestState& state, const StringHash& request);
+    // Gathers the inputs and runs the filter, or aborts it, into `state.results`.
+    void _compute(RequestState& state, const StringHash& process, const StringHash& request,
+                  long long depth);
 
     std::string _contextSuffix;
     boost::shared_ptr<Filter> _filter;
-    boost::unordered_map<unsigned long, std::vector<boost::shared_ptr<Data>>> _results;
-    boost::unordered_map<unsigned long, int> _resultCounts;
-    boost::mutex _resultMutex;
-    boost::unordered_map<unsigned long, StringHash> _filterRequests;  // under _resultMutex
 };
 
 }  // namespace Tessarity

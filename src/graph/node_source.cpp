@@ -17,11 +17,15 @@ NodeSource::NodeSource(const std::string& name) : Node(name), _uid(0) {
 }
 
 NodeSource::~NodeSource() {
-    if (!_snapshotCounts.empty())
+    Counts counts;
+    _snapshots.forEach([&](unsigned long key, Snapshot& snapshot) {
+        if (snapshot.taken) counts.emplace_back(key, snapshot.count);
+    });
+    if (!counts.empty())
         TES_LOG(kelvo::log::Fatal, getName()
                                        << "->~NodeSource(): There is still count to entry cache:"
                                        << "\n"
-                                       << _describeCounts(_snapshotCounts));
+                                       << _describeCounts(counts));
 }
 
 void NodeSource::addEvent(boost::shared_ptr<Event> event) { _events.add(event); }
@@ -34,53 +38,44 @@ void NodeSource::_synchronize(const Type::Time&, const Type::Duration&, const St
     _countSnapshot(process);
 }
 
-bool NodeSource::_countSnapshot(const StringHash& process) {
-    auto count = _snapshotCounts.find(process.getHash());
-    const bool first = count == _snapshotCounts.end();
+NodeSource::Snapshot* NodeSource::_countSnapshot(const StringHash& process) {
+    Snapshot& snapshot = _snapshots.get(process.getHash());
+    const bool first = !snapshot.taken;
     if (first) {
-        count = _snapshotCounts.emplace(process.getHash(), 0).first;
-        _snapshots[process.getHash()] = _lastData;
+        snapshot.taken = true;
+        snapshot.count = 0;
+        snapshot.data = _lastData;
     }
-    ++count->second;
-    return first;
+    ++snapshot.count;
+    return first ? &snapshot : nullptr;
 }
 
 void NodeSource::_synchronizeRelease(const StringHash& process, const StringHash&, long long) {
-    {
-        boost::mutex::scoped_lock lock(_sourceMutex);
-        auto count = _snapshotCounts.find(process.getHash());
-        if (count != _snapshotCounts.end()) {
-            if (--count->second == 0) {
-                _snapshotCounts.erase(count);
-                _snapshots.erase(process.getHash());
-            }
-            return;
+    // Without _sourceMutex: a process's snapshot is touched by its own run only.
+    Snapshot* snapshot = _snapshots.find(process.getHash());
+    if (snapshot && snapshot->taken) {
+        if (--snapshot->count == 0) {
+            snapshot->taken = false;
+            snapshot->data.reset();
         }
+        return;
     }
-    // Logged without the lock: the log handler is the application's code.
     TES_LOG(kelvo::log::Fatal, getName() << "->_synchronizeRelease(" << process
                                          << "): Invalid release on process " << process);
 }
 
 boost::shared_ptr<Data> NodeSource::requestData(const StringHash& process, const StringHash&,
                                                 long long, boost::shared_ptr<Port>) {
-    {
-        boost::mutex::scoped_lock lock(_sourceMutex);
-        auto snapshot = _snapshots.find(process.getHash());
-        if (snapshot != _snapshots.end()) return snapshot->second;
-    }
+    const Snapshot* snapshot = _snapshots.find(process.getHash());
+    if (snapshot && snapshot->taken) return snapshot->data;
     TES_LOG(kelvo::log::Fatal, getName() << "->requestData(" << process << "): No cache found.");
     return boost::shared_ptr<Data>();
 }
 
 void NodeSource::requestEmpty(const StringHash& process, const StringHash&, long long,
                               boost::shared_ptr<Port>) {
-    bool cached;
-    {
-        boost::mutex::scoped_lock lock(_sourceMutex);
-        cached = _snapshots.find(process.getHash()) != _snapshots.end();
-    }
-    if (!cached)
+    const Snapshot* snapshot = _snapshots.find(process.getHash());
+    if (!snapshot || !snapshot->taken)
         TES_LOG(kelvo::log::Fatal, getName()
                                        << "->requestEmpty(" << process << "): no cache found.");
 }

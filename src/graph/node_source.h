@@ -6,7 +6,6 @@
 
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>
-#include <boost/unordered_map.hpp>
 
 #include "graph/event_list.h"
 #include "graph/node.h"
@@ -42,9 +41,18 @@ protected:
                       long long depth) override;
     void _synchronizeRelease(const StringHash& process, const StringHash& request,
                              long long depth) override;
+    // One process's view of the source from its first synchronize of a run to its last
+    // release: the value it reads, and how many releases are still to come.
+    struct Snapshot {
+        bool taken = false;
+        int count = 0;
+        boost::shared_ptr<Data> data;
+    };
+
     // Counts a synchronize of `process`, taking its snapshot of _lastData at the first one,
-    // and tells whether it was the first. The caller holds _sourceMutex.
-    bool _countSnapshot(const StringHash& process);
+    // and returns the snapshot if that was the first, null otherwise. The caller holds
+    // _sourceMutex.
+    Snapshot* _countSnapshot(const StringHash& process);
     // Raises the events in order of adding; the caller holds no lock of this source.
     void _raise(const boost::shared_ptr<Data>& data);
 
@@ -52,8 +60,8 @@ protected:
     boost::shared_ptr<Data> _lastData;
     mutable boost::mutex _sourceMutex;
     EventList _events;
-    boost::unordered_map<unsigned long, boost::shared_ptr<Data>> _snapshots;
-    boost::unordered_map<unsigned long, int> _snapshotCounts;
+    // By process: one process runs on one thread at a time.
+    RequestSlots<Snapshot> _snapshots;
     std::vector<std::string> _dependencies;
     unsigned long long _uid;
 };

@@ -88,11 +88,8 @@ Node* Port::_upstreamNode(const boost::shared_ptr<Port>& link) {
 
 boost::shared_ptr<Data> Port::requestData(const StringHash& process, const StringHash& request,
                                           long long depth) {
-    {
-        boost::mutex::scoped_lock lock(_loadedMutex);
-        auto loaded = _loaded.find(request.getHash());
-        if (loaded != _loaded.end()) return loaded->second;
-    }
+    const Loaded* loaded = _loaded.find(request.getHash());
+    if (loaded && loaded->loaded) return loaded->data;
     // An unbound port answers with its own default only; the chain is not walked here.
     if (_links.empty()) return _defaultData;
     if (_links.size() > 1) {
@@ -113,10 +110,8 @@ boost::shared_ptr<Data> Port::requestData(const StringHash& process, const Strin
 }
 
 void Port::requestEmpty(const StringHash& process, const StringHash& request, long long depth) {
-    {
-        boost::mutex::scoped_lock lock(_loadedMutex);
-        if (_loaded.find(request.getHash()) != _loaded.end()) return;
-    }
+    const Loaded* loaded = _loaded.find(request.getHash());
+    if (loaded && loaded->loaded) return;
     if (_links.empty()) return;
     if (_links.size() > 1) {
         TES_LOG(kelvo::log::Error, _name << "::requestEmpty(): "
@@ -170,17 +165,16 @@ void Port::unloadData(std::vector<boost::shared_ptr<Port>>& ports, const StringH
 
 void Port::_loadData(const boost::shared_ptr<Data>& data, const StringHash& process,
                      const StringHash& request, long long depth) {
-    {
-        boost::mutex::scoped_lock lock(_loadedMutex);
-        _loaded[request.getHash()] = data;
-    }
+    Loaded& loaded = _loaded.get(request.getHash());
+    loaded.loaded = true;
+    loaded.data = data;
     if (_parent) _parent->_loadData(data, process, request, depth - 1);
 }
 
 void Port::_unloadData(const StringHash& process, const StringHash& request, long long depth) {
-    {
-        boost::mutex::scoped_lock lock(_loadedMutex);
-        _loaded.erase(request.getHash());
+    if (Loaded* loaded = _loaded.find(request.getHash())) {
+        loaded->loaded = false;
+        loaded->data.reset();
     }
     if (_parent) _parent->_unloadData(process, request, depth - 1);
 }

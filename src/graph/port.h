@@ -5,12 +5,12 @@
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
-#include <boost/thread/mutex.hpp>
-#include <boost/unordered_map.hpp>
 
 #include <tessarity/data.h>
 #include <tessarity/datatype.h>
 #include <tessarity/stringhash.h>
+
+#include "graph/request_slots.h"
 
 namespace Tessarity {
 
@@ -74,8 +74,12 @@ private:
     std::vector<DataType> _types;
     boost::shared_ptr<Port> _parent;
     Node* _node;
-    boost::unordered_map<unsigned long, boost::shared_ptr<Data>> _loaded;
-    boost::mutex _loadedMutex;
+    // The values a composite has placed on this port, per request, for one application.
+    struct Loaded {
+        bool loaded = false;
+        boost::shared_ptr<Data> data;
+    };
+    RequestSlots<Loaded> _loaded;
     boost::shared_ptr<Data> _defaultData;
     bool _optional;
 };

@@ -25,8 +25,8 @@ void SourceAdapter::_synchronize(const Type::Time& time, const Type::Duration& t
                                  const StringHash& process, const StringHash&, long long) {
     // The user source is asked once per run, at the run's time, in place of the snapshot.
     boost::mutex::scoped_lock lock(_sourceMutex);
-    if (_countSnapshot(process) && _userSource)
-        _snapshots[process.getHash()] = _userSource->getData(time, tolerance);
+    Snapshot* first = _countSnapshot(process);
+    if (first && _userSource) first->data = _userSource->getData(time, tolerance);
 }
 
 }  // namespace Tessarity

@@ -15,16 +15,17 @@ unsigned long long NodeProcessSource::getUid() const { return 0; }
 void NodeProcessSource::_synchronize(const Type::Time& time, const Type::Duration&,
                                      const StringHash& process, const StringHash&, long long) {
     boost::mutex::scoped_lock lock(_sourceMutex);
-    auto count = _snapshotCounts.find(process.getHash());
-    if (count == _snapshotCounts.end()) {
-        // Pulled before the entry is made, so that an exception of the source process leaves
-        // no entry without a snapshot behind.
+    Snapshot& snapshot = _snapshots.get(process.getHash());
+    if (!snapshot.taken) {
+        // Pulled before the snapshot is marked taken, so that an exception of the source
+        // process leaves no count without a snapshot behind.
         boost::shared_ptr<Data> value;
         if (_process) value = _process->getData(_sinkName, time);
-        count = _snapshotCounts.emplace(process.getHash(), 0).first;
-        _snapshots[process.getHash()] = value;
+        snapshot.taken = true;
+        snapshot.count = 0;
+        snapshot.data = value;
     }
-    ++count->second;
+    ++snapshot.count;
 }
 
 }  // namespace Tessarity

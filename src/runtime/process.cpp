@@ -144,8 +144,9 @@ bool Process::update(const Type::Time& time) {
     if (!changed) return true;
 
     _lastComputation = time;
+    // The request of the top of the graph is the process's name itself.
     const StringHash name = getNameHash();
-    const StringHash request(name.getText());
+    const StringHash& request = name;
     const Type::Duration tolerance = getTolerance();
     // Every sink is synchronized before any is pulled: one snapshot of the sources and one
     // computation of the shared nodes serve them all.

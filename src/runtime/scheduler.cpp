@@ -19,7 +19,12 @@ const long long kIdleSleepMilliseconds = 100;
 }  // namespace
 
 Scheduler::Scheduler(const SchedulerHost* host, unsigned int threadCount)
-    : _host(host), _running(false), _threadCount(threadCount), _generation(0) {}
+    : _host(host),
+      _running(false),
+      _threadCount(threadCount),
+      _generation(0),
+      _sleeping(0),
+      _wakeCount(0) {}
 
 Scheduler::~Scheduler() {
     if (_running) stop();
@@ -38,7 +43,7 @@ bool Scheduler::stop() {
     boost::mutex::scoped_lock lock(_startStopMutex);
     if (!_running) return true;
     {
-        boost::mutex::scoped_lock wakeLock(_wakeMutex);
+        std::lock_guard<std::mutex> wakeLock(_wakeMutex);
         _running = false;
     }
     _wakeCondition.notify_all();
@@ -64,9 +69,13 @@ bool Scheduler::update() {
     const unsigned int lowest = list.front().second;
     list.front().second = 1;
     for (std::size_t i = 1; i < list.size(); ++i) list[i].second /= lowest;
-    boost::mutex::scoped_lock lock(_scheduleMutex);
-    _schedule.clear();
-    _buildSchedulingList(&_schedule, &list);
+    {
+        boost::mutex::scoped_lock lock(_scheduleMutex);
+        _schedule.clear();
+        _buildSchedulingList(&_schedule, &list);
+    }
+    // Workers that slept with nothing scheduled now have something to do.
+    _wake(true);
     return true;
 }
 
@@ -103,64 +112,81 @@ bool Scheduler::addProcessToScheduledProcessList(const boost::shared_ptr<Process
         boost::mutex::scoped_lock lock(_jobMutex);
         _jobs.push_back(Job(process, time));
     }
-    _wake();
+    _wake(false);
     return true;
 }
 
-void Scheduler::_wake() {
+void Scheduler::_wake(bool everyone) {
     {
-        boost::mutex::scoped_lock lock(_wakeMutex);
+        std::lock_guard<std::mutex> lock(_wakeMutex);
         ++_generation;
     }
-    _wakeCondition.notify_one();
+    if (everyone)
+        _wakeCondition.notify_all();
+    else
+        _wakeCondition.notify_one();
 }
 
-void Scheduler::_sleep(long long milliseconds, unsigned long generation) {
-    boost::mutex::scoped_lock lock(_wakeMutex);
-    _wakeCondition.wait_for(lock, boost::chrono::milliseconds(milliseconds),
-                            [&] { return !_running || _generation != generation; });
+bool Scheduler::_sleep(long long milliseconds, unsigned long generation) {
+    std::unique_lock<std::mutex> lock(_wakeMutex);
+    const auto woken = [&] { return !_running || _generation != generation; };
+    ++_sleeping;
+    bool cut;
+    if (milliseconds < 0) {
+        _wakeCondition.wait(lock, woken);
+        cut = true;
+    } else {
+        cut = _wakeCondition.wait_for(lock, std::chrono::milliseconds(milliseconds), woken);
+    }
+    --_sleeping;
+    cut = cut && _running;
+    if (cut) ++_wakeCount;
+    return cut;
 }
 
 Scheduler::Job Scheduler::_getNextJob() {
-    // Read first, so that a job added from here on cuts the sleep below short.
-    const unsigned long generation = _generation;
-    {
-        boost::mutex::scoped_lock lock(_jobMutex);
-        if (!_jobs.empty()) {
-            // A job for a process that a worker holds is dropped, not postponed.
-            Job job;
-            do {
-                job = _jobs.back();
-                _jobs.pop_back();
-                if (_runningProcesses.count(job.first)) job.first.reset();
-            } while (!job.first && !_jobs.empty());
-            if (job.first) _runningProcesses.insert(job.first);
-            return job;
+    // A worker woken by a job or a new schedule looks again at once, without a detour.
+    for (;;) {
+        // Read first, so that a job added from here on cuts the sleep below short.
+        const unsigned long generation = _generation;
+        {
+            boost::mutex::scoped_lock lock(_jobMutex);
+            if (!_jobs.empty()) {
+                // A job for a process that a worker holds is dropped, not postponed.
+                Job job;
+                do {
+                    job = _jobs.back();
+                    _jobs.pop_back();
+                    if (_runningProcesses.count(job.first)) job.first.reset();
+                } while (!job.first && !_jobs.empty());
+                if (job.first) _runningProcesses.insert(job.first);
+                return job;
+            }
         }
-    }
-    bool nothingScheduled;
-    {
-        boost::mutex::scoped_lock lock(_scheduleMutex);
-        nothingScheduled = _schedule.empty();
-    }
-    if (nothingScheduled) {
-        _sleep(kIdleSleepMilliseconds, generation);
+        bool nothingScheduled;
+        {
+            boost::mutex::scoped_lock lock(_scheduleMutex);
+            nothingScheduled = _schedule.empty();
+        }
+        if (nothingScheduled) {
+            // Nothing comes due by itself: only a job or a new schedule can end this sleep.
+            if (_sleep(-1, generation)) continue;
+            return Job();
+        }
+        bool allHeld;
+        {
+            boost::mutex::scoped_lock jobLock(_jobMutex);
+            boost::mutex::scoped_lock scheduleLock(_scheduleMutex);
+            // A job that an event added since the check above stays at the back, next to run.
+            _jobs.insert(_jobs.begin(), _schedule.begin(), _schedule.end());
+            allHeld = _jobs.size() == _runningProcesses.size();
+        }
+        // The refilling worker paces the engine: it sleeps until the next process is due.
+        const long long sleep = allHeld ? kIdleSleepMilliseconds
+                                        : _host->getNextComputationTime().getTotalMilliseconds();
+        if (_sleep(sleep, generation)) continue;
         return Job();
     }
-    bool allHeld;
-    {
-        boost::mutex::scoped_lock jobLock(_jobMutex);
-        boost::mutex::scoped_lock scheduleLock(_scheduleMutex);
-        // A job that an event added since the check above stays at the back, next to run.
-        _jobs.insert(_jobs.begin(), _schedule.begin(), _schedule.end());
-        allHeld = _jobs.size() == _runningProcesses.size();
-    }
-    // The refilling worker paces the engine: it sleeps until the next process is due.
-    if (allHeld)
-        _sleep(kIdleSleepMilliseconds, generation);
-    else
-        _sleep(_host->getNextComputationTime().getTotalMilliseconds(), generation);
-    return Job();
 }
 
 void Scheduler::_run() {

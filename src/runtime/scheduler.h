@@ -2,13 +2,14 @@
 #define TESSARITY_RUNTIME_SCHEDULER_H
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <utility>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
-#include <boost/thread/condition_variable.hpp>
 #include <boost/thread/mutex.hpp>
 #include <boost/thread/thread.hpp>
 
@@ -24,7 +25,9 @@ class SchedulerHost;
 // The pool of workers that runs processes without being asked. One cycle of the schedule
 // holds a process of priority p 2^(p-1) times; workers take jobs from a copy of it, from its
 // back, and the worker that finds the copy empty refills it and sleeps until the next process
-// is due. Events put a job at the back, so it is the next one taken.
+// is due. Events put a job at the back, so it is the next one taken, and wake one sleeping
+// worker, which takes it at once. With nothing scheduled, workers sleep until a job comes or
+// the schedule changes.
 class Scheduler : public JobQueue {
 public:
     // A time of zero runs the process for the time at which the job starts.
@@ -43,6 +46,10 @@ public:
     bool addProcessToScheduledProcessList(const boost::shared_ptr<Process>& process,
                                           const Type::Time& time) override;
 
+    // How many workers sleep now, and how many sleeps a job or a new schedule has cut short.
+    unsigned int getSleepingWorkers() const { return _sleeping; }
+    unsigned long getWakeCount() const { return _wakeCount; }
+
 private:
     typedef std::pair<boost::shared_ptr<Process>, unsigned int> Count;
 
@@ -50,10 +57,10 @@ private:
     Job _getNextJob();
     static bool _processSort(const Count& a, const Count& b);
     static void _buildSchedulingList(std::vector<Job>* out, std::vector<Count>* list);
-    // Sleeps up to `milliseconds`; returns early on stop or when a job has been added since
-    // `generation` was read.
-    void _sleep(long long milliseconds, unsigned long generation);
-    void _wake();
+    // Sleeps up to `milliseconds`, or until woken if negative; true if a job or a new schedule
+    // came since `generation` was read (and the scheduler still runs).
+    bool _sleep(long long milliseconds, unsigned long generation);
+    void _wake(bool everyone);
 
     const SchedulerHost* _host;
     std::atomic<bool> _running;
@@ -66,9 +73,11 @@ private:
     unsigned int _threadCount;
     std::vector<std::unique_ptr<boost::thread>> _threads;
     // A leaf lock: cuts the workers' sleeps short.
-    boost::mutex _wakeMutex;
-    boost::condition_variable _wakeCondition;
+    std::mutex _wakeMutex;
+    std::condition_variable _wakeCondition;
     std::atomic<unsigned long> _generation;
+    std::atomic<unsigned int> _sleeping;
+    std::atomic<unsigned long> _wakeCount;
 };
 
 }  // namespace Tessarity

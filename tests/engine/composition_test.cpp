@@ -134,3 +134,61 @@ TEST(Composite, CallersAreKeptApartByRequest) {
     EXPECT_TRUE(log.lines().back().category == "tessarity.Composite " &&
                 log.lines().back().level == kelvo::log::Fatal);
 }
+
+// One composite object shared by processes that the workers run and by processes that
+// application threads pull, all at once: no value crosses from one process to another, and a
+// node shared inside the composite gives both of its consumers the same value.
+TEST(Composite, SharedByWorkersAndApplicationThreads) {
+    LogCapture log;
+    std::atomic<int> wrong(0), workerRuns(0);
+    {
+        Engine engine(2);
+        // in -> fork -> left, right -> both (Mandatory2) -> a, b
+        ASSERT_TRUE(engine.createFilter("Diamond",
+                                        {{"Identity", "fork"},
+                                         {"Identity", "left"},
+                                         {"Identity", "right"},
+                                         {"Mandatory2", "both"}},
+                                        {{{"fork", ""}, {"left", ""}},
+                                         {{"fork", ""}, {"right", ""}},
+                                         {{"left", ""}, {"both", "in1"}},
+                                         {{"right", ""}, {"both", "in2"}}},
+                                        {{{"fork", "in"}, "in"}},
+                                        {{{"both", "out1"}, "a"}, {{"both", "out2"}, "b"}}));
+        // Process `name` on its own source: run by the workers at 1 kHz with priority 1, at
+        // every pull with priority 0.
+        auto declare = [&](const std::string& name, unsigned int priority) {
+            return engine.createSource(name) &&
+                   engine.createProcess(name, "Diamond", {{"in", name}}, {{"a", "a"}, {"b", "b"}},
+                                        {}, {}, priority, priority ? 1000.0f : 1e7f, kTolerance);
+        };
+        for (int w = 1; w <= 2; ++w) {
+            const std::string name = "w" + std::to_string(w);
+            ASSERT_TRUE(declare(name, 1));
+            // A worker's values of process wN are N * 100000 and more.
+            ASSERT_TRUE(engine.createEvent(name + ":a", [&, w](boost::shared_ptr<Data> value) {
+                wrong += int(*value) / 100000 != w;
+                ++workerRuns;
+            }));
+        }
+        auto pull = [&](int t) {
+            const std::string name = "p" + std::to_string(t);
+            if (!declare(name, 0)) ++wrong;
+            for (int i = 1; i <= 1000; ++i) {
+                engine.setData("w" + std::to_string(1 + t % 2),
+                               boost::make_shared<Data>((1 + t % 2) * 100000 + i));
+                const std::string value = std::to_string(t * 1000 + i);
+                engine.setData(name, boost::make_shared<Data>(t * 1000 + i));
+                wrong += text(engine.getData(name + ":a", at(i))) != value;
+                wrong += text(engine.getLastData(name + ":b")) != value;
+            }
+        };
+        std::thread first(pull, 1), second(pull, 2);
+        pull(0);
+        first.join();
+        second.join();
+        EXPECT_TRUE(eventually([&] { return workerRuns > 10; }));
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(log.countAtMost(kelvo::log::Warning), 0u);
+}

@@ -152,11 +152,17 @@ TEST(Scheduler, SourceEventWakesItsProcessAtOnce) {
                                                boost::weak_ptr<Scheduler>(engine.getScheduler())));
     ASSERT_TRUE(engine.getProcessRegistry().add(process));
     EXPECT_TRUE(engine.getProcessRegistry().getScheduledJobs().empty());
+    // With nothing scheduled both workers sleep until a job comes: each event's job wakes
+    // exactly one of them, which runs it.
+    Scheduler& scheduler = *engine.getScheduler();
     for (int i = 1; i <= 3; ++i) {
+        ASSERT_TRUE(eventually([&] { return scheduler.getSleepingWorkers() == 2; }));
+        const unsigned long wakes = scheduler.getWakeCount();
         auto value = boost::make_shared<Data>(i);
         value->setTimestamp(Type::Time(Type::Time::now().getTotalMicroseconds() + i));
         source->setData(value);
         EXPECT_TRUE(eventually([&] { return results == i; }));
+        EXPECT_EQ(scheduler.getWakeCount(), wakes + 1);
     }
     // An event does not keep a deleted process alive, and then does nothing.
     boost::weak_ptr<Process> gone(process);
