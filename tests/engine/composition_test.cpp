@@ -192,3 +192,19 @@ TEST(Composite, SharedByWorkersAndApplicationThreads) {
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(log.countAtMost(kelvo::log::Warning), 0u);
 }
+
+// A composite may link a node back into itself: the run gives no value there, says so, and
+// leaves no count behind.
+TEST(Composite, ACycleGivesNoValue) {
+    LogCapture log;
+    {
+        Engine engine(0);
+        ASSERT_TRUE(engine.createFilter("Loop", {{"Identity", "i"}, {"Mandatory2", "m"}},
+                                        {{{"i", ""}, {"m", "in1"}}, {{"m", "out1"}, {"i", ""}}},
+                                        {{{"m", "in2"}, "x"}}, {{{"m", "out2"}, "y"}}));
+        ASSERT_TRUE(create(engine, "loop", "Loop", {{"x", "1"}}, {{"y", "y"}}));
+        EXPECT_EQ(text(engine.getData("loop:y")), "null");
+    }
+    EXPECT_EQ(messages(log, kelvo::log::Warning),
+              Names{"m->requestData(loop): the node depends on its own output."});
+}
