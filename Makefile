@@ -41,16 +41,18 @@ bench: deps
 	cmake --build build-bench -j $(JOBS)
 	./build-bench/bench/tessarity_bench
 
-# libFuzzer on the program language, built with clang; not part of CI.
+# libFuzzer, built with clang; not part of CI. FUZZ_TARGET=filter_fuzzer runs the built-in
+# filters on values made from the bytes instead of the program language.
 FUZZ_SECONDS ?= 600
+FUZZ_TARGET ?= program_fuzzer
 fuzz:
 	@scripts/install-deps fuzz
 	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 	  -DTESSARITY_FUZZ=ON -DTESSARITY_BUILD_TESTS=OFF $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-	cmake --build build-fuzz -j $(JOBS) --target program_fuzzer
-	mkdir -p build-fuzz/corpus
-	./build-fuzz/fuzz/program_fuzzer build-fuzz/corpus fuzz/corpus -max_len=4096 \
-	  -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1
+	cmake --build build-fuzz -j $(JOBS) --target $(FUZZ_TARGET)
+	mkdir -p build-fuzz/corpus-$(FUZZ_TARGET)
+	./build-fuzz/fuzz/$(FUZZ_TARGET) build-fuzz/corpus-$(FUZZ_TARGET) fuzz/corpus/$(FUZZ_TARGET) \
+	  -max_len=4096 -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1
 
 install: build
 	cmake --install build --prefix $(PREFIX)

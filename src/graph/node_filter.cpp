@@ -133,9 +133,13 @@ boost::shared_ptr<Data> NodeFilter::requestData(const StringHash& process,
         return boost::shared_ptr<Data>();
     }
     if (!state.computed) {
-        state.computing = true;
+        // Cleared on the way out, an exception of the filter included.
+        struct Computing {
+            explicit Computing(bool& flag) : flag(flag) { flag = true; }
+            ~Computing() { flag = false; }
+            bool& flag;
+        } computing(state.computing);
         _compute(state, process, request, depth);
-        state.computing = false;
     }
     // A composite asks through its exported port, whose parent is this node's port.
     const std::vector<boost::shared_ptr<Port>>& outputs = getOutputs();
