@@ -106,15 +106,18 @@ public:
         const std::size_t width = 30, filled = done * width / _total;
         _err << "\r[" << std::string(filled, '#') << std::string(width - filled, '.') << "] "
              << done << "/" << _total << " frames" << std::flush;
+        _drawn = true;
     }
     void clear() {
-        if (_shown) _err << "\r\033[K" << std::flush;
+        if (_drawn) _err << "\r\033[K" << std::flush;
+        _drawn = false;
     }
 
 private:
     std::ostream& _err;
     std::size_t _total;
     bool _shown;
+    bool _drawn = false;
 };
 
 // A process that computes at most `frequency` times a second skips frames that come faster.
