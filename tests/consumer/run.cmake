@@ -16,3 +16,5 @@ run(${CMAKE_COMMAND} -S "${SOURCE_DIR}/tests/consumer" -B "${WORK_DIR}/build"
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 run(${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${prefix}/lib:${prefix}/lib/x86_64-linux-gnu"
     "${WORK_DIR}/build/consumer")
+# The installed tool finds the library in its own prefix, with no search path set.
+run("${prefix}/bin/tessarity-run" --help)
