@@ -7,7 +7,7 @@ CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo $(if $(CCACHE),-DCMAKE_CXX_COMP
 # ctest runs the cases two at a time; a case that needs more time than this is a hang.
 CTEST := ctest --output-on-failure -j $(JOBS) --timeout 300
 
-.PHONY: all deps build test test-asan test-tsan bench fuzz install clean
+.PHONY: all deps build python test test-asan test-tsan bench fuzz install clean
 
 all: build
 
@@ -19,6 +19,10 @@ build/CMakeCache.txt: | deps
 
 build: deps build/CMakeCache.txt
 	cmake --build build -j $(JOBS)
+
+# The Python module alone, into build/python (PYTHONPATH=build/python imports it).
+python: deps build/CMakeCache.txt
+	cmake --build build -j $(JOBS) --target python
 
 test: build
 	cd build && $(CTEST)
@@ -40,6 +44,7 @@ bench: deps
 	  -DTESSARITY_BUILD_BENCH=ON $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 	cmake --build build-bench -j $(JOBS)
 	./build-bench/bench/tessarity_bench
+	PYTHONPATH=build-bench/python /usr/bin/python3 bench/python_bench.py build-bench/bench/tessarity_bench
 
 # libFuzzer, built with clang; not part of CI. FUZZ_TARGET=filter_fuzzer runs the built-in
 # filters on values made from the bytes instead of the program language.

@@ -18,3 +18,9 @@ run(${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${prefix}/lib:${prefix}/lib/x86_64-
     "${WORK_DIR}/build/consumer")
 # The installed tool finds the library in its own prefix, with no search path set.
 run("${prefix}/bin/tessarity-run" --help)
+# The Python package, looked for where Debian's python3 looks under the prefix, finds the
+# library through its rpath.
+if(PYTHON)
+  run("${PYTHON}" -c "import site, sys; sys.path[:0] = site.getsitepackages(['${prefix}']); \
+import tessarity; assert tessarity.__file__.startswith('${prefix}'); tessarity.Engine(0)")
+endif()
