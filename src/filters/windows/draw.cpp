@@ -121,7 +121,8 @@ std::vector<boost::shared_ptr<Data>> Draw::applyFilter(
     long long) {
     if (inputs.size() != 3 || !inputs[0] || !inputs[1]) return {};
     const Type::ColorImage* source = *inputs[0];
-    if (!source) return {};
+    // Pixels are painted as three bytes each, in a plain matrix.
+    if (!source || source->mat.dims > 2 || source->mat.type() != CV_8UC3) return {};
     std::string colourName;
     if (inputs[2] && inputs[2]->getType() == String) colourName = std::string(*inputs[2]);
 

@@ -70,13 +70,33 @@ int largestWindow(DataType type) {
     return type == ColorImage || type == GrayscaleImage ? 255 : 65535;
 }
 
+// The pixels of an image a window may hold, if its matrix is laid out as its class says: the
+// average walks the samples by that layout. Null for anything else.
 template <class C>
-Ptr copyOf(const C* image) {
-    return image ? boost::make_shared<Data>(image->clone()) : Ptr();
+const cv::Mat* pixelsOf(const C* image) {
+    return image && image->mat.dims <= 2 && image->mat.type() == C::MatType ? &image->mat : nullptr;
 }
 
-// A new value around a private copy of the image in `value`; null for anything but the three
-// classes a window holds.
+const cv::Mat* pixelsOf(const Data& value) {
+    switch (value.getType()) {
+        case ColorImage:
+            return pixelsOf(static_cast<Type::ColorImage*>(value));
+        case GrayscaleImage:
+            return pixelsOf(static_cast<Type::GrayscaleImage*>(value));
+        case DepthImage:
+            return pixelsOf(static_cast<Type::DepthImage*>(value));
+        default:
+            return nullptr;
+    }
+}
+
+template <class C>
+Ptr copyOf(const C* image) {
+    return pixelsOf(image) ? boost::make_shared<Data>(image->clone()) : Ptr();
+}
+
+// A new value around a private copy of the image in `value`; null for anything a window cannot
+// hold.
 Ptr copyOf(const Data& value) {
     switch (value.getType()) {
         case ColorImage:
@@ -88,14 +108,6 @@ Ptr copyOf(const Data& value) {
         default:
             return Ptr();
     }
-}
-
-// The pixels of an image a window may hold; null for anything else.
-const cv::Mat* pixelsOf(const Data& value) {
-    const Type::ColorImage* colour = value;
-    const Type::GrayscaleImage* gray = value;
-    const Type::DepthImage* depth = value;
-    return colour ? &colour->mat : gray ? &gray->mat : depth ? &depth->mat : nullptr;
 }
 
 // Whether `input` may enter the window: of the class of its images, and of their size, since

@@ -141,8 +141,9 @@ std::vector<boost::shared_ptr<Data>> SNN::applyFilter(
     long long) {
     const Type::GrayscaleImage* in =
         inputs.size() == 2 && inputs[0] ? static_cast<Type::GrayscaleImage*>(*inputs[0]) : nullptr;
-    // A negative size would reach outside the picture.
-    if (!in || !inputs[1] || inputs[1]->getType() != Integer || int(*inputs[1]) < 0) {
+    // The loops walk a plain matrix of bytes; a negative size would reach outside it.
+    if (!in || in->mat.dims > 2 || in->mat.type() != CV_8UC1 || !inputs[1] ||
+        inputs[1]->getType() != Integer || int(*inputs[1]) < 0) {
         TES_LOG(kelvo::log::Error, kInvalidInput);
         return {};
     }

@@ -51,6 +51,12 @@ Ptr randomImage(cv::RNG& rng, int width, int height) {
     return boost::make_shared<Data>(made);
 }
 
+// An image of class C over a 2 by 2 matrix of another layout than its class's.
+template <class C>
+Ptr lying(int type) {
+    return boost::make_shared<Data>(boost::make_shared<C>(cv::Mat(2, 2, type, cv::Scalar(1))));
+}
+
 // SNN from its definition, pixel by pixel.
 cv::Mat snnReference(const cv::Mat& in, int size) {
     const int r = (size % 2 ? size : size + 1) / 2;
@@ -125,9 +131,13 @@ TEST(WindowsFilters, SlidingWindowDividesFirstAndFreezesOnAChange) {
     // Another class passes once, logging once per place of the window, and ends the key.
     const Ptr label = image<Type::LabelImage>(1, 1, {1});
     EXPECT_EQ(text(calls(wrong, {{label, box(2)}, {label, box(2)}})), "LabelImage 1");
+    Bench<Filters::SlidingWindow> layout;  // the same for a matrix that belies its class
+    EXPECT_EQ(text(calls(layout, {{lying<Type::DepthImage>(CV_8UC1), box(1)},
+                                  {lying<Type::DepthImage>(CV_8UC1), box(1)}})),
+              "DepthImage 1 1|1 1");
     const std::string line =
         "2 tessarity.filter.slidingwindow: [Invalid Input] -> SlidingWindow -> ...\n";
-    EXPECT_EQ(logged(log), line + line);
+    EXPECT_EQ(logged(log), line + line + line);
 }
 
 TEST(WindowsFilters, SlidingWindowAveragesAsTheDefinitionSays) {
@@ -181,10 +191,11 @@ TEST(WindowsFilters, SnnMeansTheNearerOfEachPair) {
               "rgb540.000000");
     EXPECT_EQ(log.lines().size(), 0u);
     EXPECT_EQ(text(snn({image<Type::ColorImage>(3, 3, {1}), box(3)}) + snn({cross, box(-3)}) +
-                   snn({cross, box(3.0f)}) + snn({cross}) + snn({none, box(3)})),
+                   snn({cross, box(3.0f)}) + snn({cross}) + snn({none, box(3)}) +
+                   snn({lying<Type::GrayscaleImage>(CV_8UC3), box(1)})),
               "");
     const std::string line = "2 tessarity.filter.snn: [Invalid Input] -> Dilation -> ...\n";
-    EXPECT_EQ(logged(log), line + line + line + line + line);
+    EXPECT_EQ(logged(log), line + line + line + line + line + line);
 
     cv::RNG rng(11);
     for (int size : {2, 3, 5, 7, 20, 21, 23}) {
@@ -278,6 +289,7 @@ TEST(WindowsFilters, DrawPaintsOnACopy) {
     EXPECT_EQ(text(draw({grey, box(Type::Region2(1, 1, 2, 2)), none})), text(grey));  // no Array
     EXPECT_EQ(text(grey), text(image<Type::ColorImage>(6, 6, {50})));
     EXPECT_EQ(text(draw({image<Type::GrayscaleImage>(2, 2, {0}), box(Values{}), none}) +
-                   draw({grey, none, none}) + draw({grey, box(Values{})})),
+                   draw({grey, none, none}) + draw({grey, box(Values{})}) +
+                   draw({lying<Type::ColorImage>(CV_8UC1), box(Values{}), none})),
               "");
 }
