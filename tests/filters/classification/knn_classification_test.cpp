@@ -1,5 +1,6 @@
 // KNN classification: the worked cases of both paths, data bases that are odd or broken, the
 // blocked distances against the plain definition, and createClassificationFilter.
+#include <algorithm>
 #include <fstream>
 #include <map>
 
@@ -28,12 +29,11 @@ struct DataBases {
     // Writes the data base `name`, returns its path.
     std::string write(const std::string& name, const std::string& type, const std::string& size,
                       const std::string& count, const std::vector<std::string>& descriptors) {
+        std::string text = "<data><properties><type>" + type + "</type><size>" + size +
+                           "</size><count>" + count + "</count></properties><descriptors>";
+        for (const std::string& d : descriptors) text += "<d>" + d + "</d>";
         const fs::path path = root / "orvik/vision/tsp" / name;
-        std::ofstream file(path.string());
-        file << "<data><properties><type>" << type << "</type><size>" << size << "</size><count>"
-             << count << "</count></properties><descriptors>";
-        for (const std::string& d : descriptors) file << "<d>" << d << "</d>";
-        file << "</descriptors></data>";
+        std::ofstream(path.string()) << text << "</descriptors></data>";
         return path.string();
     }
     fs::path root;
@@ -143,26 +143,23 @@ TEST(KNNClassification, BlockedDistancesMatchThePlainDefinition) {
         std::vector<float> q(size);
         for (float& v : q) v = rng.uniform(-16, 16) / 8.0f;
         for (int k : {1, 2, 3, 5, 16, 37, 50}) {
-            // k slots, each descriptor into the first of the largest if it is nearer.
-            std::vector<float> slots(k, 3.4028235e38f);
-            std::vector<int> slotLabels(k, 0);
+            // k slots of (distance, label); each descriptor replaces the first of the largest if
+            // it is nearer.
+            std::vector<std::pair<float, int>> slots(k, {3.4028235e38f, 0});
             for (int i = 0; i < count; ++i) {
                 float distance = 0;
                 for (int j = 0; j < size; ++j)
                     distance += (q[j] - descriptors[i][j]) * (q[j] - descriptors[i][j]);
-                int largest = 0;
-                for (int s = 0; s < k; ++s) largest = slots[s] > slots[largest] ? s : largest;
-                if (slots[largest] > distance)
-                    slots[largest] = distance, slotLabels[largest] = labels[i];
+                auto largest = std::max_element(slots.begin(), slots.end(),
+                                                [](auto& a, auto& b) { return a.first < b.first; });
+                if (largest->first > distance) *largest = {distance, labels[i]};
             }
             std::map<int, unsigned int> votes;
-            for (int label : slotLabels) ++votes[label];
-            int want = 0;
-            unsigned int best = 0;
-            for (const auto& vote : votes)
-                if (vote.second > best) best = vote.second, want = vote.first;
-            EXPECT_EQ(classify(knn, q, box(k)), std::to_string(want))
-                << "query " << query << " k " << k;
+            for (const auto& slot : slots) ++votes[slot.second];
+            auto want = votes.begin();
+            for (auto vote = votes.begin(); vote != votes.end(); ++vote)
+                if (vote->second > want->second) want = vote;
+            EXPECT_EQ(classify(knn, q, box(k)), std::to_string(want->first)) << query << " " << k;
         }
     }
 }

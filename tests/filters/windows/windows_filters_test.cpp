@@ -177,7 +177,8 @@ TEST(WindowsFilters, SnnMeansTheNearerOfEachPair) {
     EXPECT_EQ(text(snn({image<Type::GrayscaleImage>(4, 9, {9}), box(5)})),
               text(image<Type::GrayscaleImage>(4, 9, {0})));
     EXPECT_EQ(text(snn({cross, box(0)})), text(cross));
-    const auto* out = static_cast<Type::GrayscaleImage*>(*snn({cross, box(1)})[0]);
+    const Values copy = snn({cross, box(1)});
+    const auto* out = static_cast<Type::GrayscaleImage*>(*copy[0]);
     EXPECT_EQ(out->colorSpace + std::to_string(out->timestamp.getTotalMicroseconds()), "rgb5");
     EXPECT_EQ(logged(log), "");
     EXPECT_EQ(calls(snn, {{image<Type::ColorImage>(3, 3, {1}), box(3)},
