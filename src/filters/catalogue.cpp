@@ -1,6 +1,7 @@
 #include "filters/catalogue.h"
 
 #include "filters/flow/flow_filters.h"
+#include "filters/windows/windows_filters.h"
 #include "graph/filter.h"
 
 namespace Tessarity {
@@ -24,6 +25,7 @@ const char* const kCatalogueOrder[] = {
 std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     FilterFactories factories;
     addFlowFilters(factories);
+    addWindowsFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
     for (const char* name : kCatalogueOrder) {
         auto factory = factories.find(name);
