@@ -1,6 +1,9 @@
 #include "filters/catalogue.h"
 
+#include "filters/arithmetic/arithmetic_filters.h"
+#include "filters/colour/colour_filters.h"
 #include "filters/flow/flow_filters.h"
+#include "filters/functional/functional_filters.h"
 #include "graph/filter.h"
 
 namespace Tessarity {
@@ -23,7 +26,10 @@ const char* const kCatalogueOrder[] = {
 
 std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     FilterFactories factories;
+    addArithmeticFilters(factories);
+    addColourFilters(factories);
     addFlowFilters(factories);
+    addFunctionalFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
     for (const char* name : kCatalogueOrder) {
         auto factory = factories.find(name);
