@@ -1,7 +1,9 @@
 #include "filters/arithmetic/threshold.h"
 
+#include <cstdint>
+
 #include <opencv2/core.hpp>
-#include <opencv2/core/hal/intrin.hpp>
+#include <opencv2/imgproc.hpp>
 
 #include <tessarity/cv_bridge.h>
 
@@ -16,27 +18,16 @@ namespace {
 // The largest sum of three bytes.
 const unsigned int kBrightest = 3 * 255;
 
-// out = 1 where r + g + b > bound, else 0, over `count` pixels; `bound` is below 765, so the
-// sums and the bound fit 16 bits.
-void brighterThan(const uchar* pixels, uchar* out, int count, unsigned int bound) {
-    int i = 0;
-#if CV_SIMD128
-    const cv::v_uint16x8 limit = cv::v_setall_u16(static_cast<ushort>(bound));
-    const cv::v_uint16x8 one = cv::v_setall_u16(1);
-    for (; i + 16 <= count; i += 16) {
-        cv::v_uint8x16 r, g, b;
-        cv::v_load_deinterleave(pixels + 3 * i, r, g, b);
-        cv::v_uint16x8 r0, r1, g0, g1, b0, b1;
-        cv::v_expand(r, r0, r1);
-        cv::v_expand(g, g0, g1);
-        cv::v_expand(b, b0, b1);
-        const cv::v_uint16x8 low = (r0 + g0 + b0 > limit) & one;
-        const cv::v_uint16x8 high = (r1 + g1 + b1 > limit) & one;
-        cv::v_store(out + i, cv::v_pack(low, high));
+// out = 1 where r + g + b > bound, else 0, over `count` pixels, for a bound below 765: then
+// bound - sum lies within 16 signed bits, whose sign is the answer, with no comparison to
+// vectorise.
+TESSARITY_PIXEL_LOOP void brighterThan(const uchar* __restrict pixels, uchar* __restrict out,
+                                       int count, unsigned int bound) {
+    const std::uint16_t limit = static_cast<std::uint16_t>(bound);
+    for (int i = 0; i < count; ++i) {
+        const std::uint16_t sum = pixels[3 * i] + pixels[3 * i + 1] + pixels[3 * i + 2];
+        out[i] = static_cast<uchar>(static_cast<std::uint16_t>(limit - sum) >> 15);
     }
-#endif
-    for (const uchar* p = pixels + 3 * i; i < count; ++i, p += 3)
-        out[i] = static_cast<uchar>(unsigned(p[0]) + p[1] + p[2] > bound);
 }
 
 // A BinaryImage of 0 and 1, with the metadata of the colour image.
@@ -58,14 +49,19 @@ boost::shared_ptr<Data> colourAbove(const Data& in, int ceiling) {
     return boost::make_shared<Data>(out);
 }
 
-// 255 above the ceiling, 0 elsewhere, with the metadata of the input.
+// 255 above the ceiling, 0 elsewhere, with the metadata of the input. On bytes OpenCV's
+// threshold gives exactly what comparing with the ceiling gives (a ceiling below 0 passes all,
+// one from 255 up none), only faster; depths are compared.
 template <class C>
 boost::shared_ptr<Data> above(const boost::shared_ptr<Data>& in, int ceiling) {
     const C* image = Operands::imageOf<C>(*in);
     if (!image) return boost::shared_ptr<Data>();
     // OpenCV refuses to compare a matrix without pixels with a number.
     cv::Mat out(image->mat.size(), CV_8UC1);
-    if (!out.empty()) cv::compare(image->mat, static_cast<double>(ceiling), out, cv::CMP_GT);
+    if (!out.empty() && image->mat.depth() == CV_8U)
+        cv::threshold(image->mat, out, ceiling, 255, cv::THRESH_BINARY);
+    else if (!out.empty())
+        cv::compare(image->mat, static_cast<double>(ceiling), out, cv::CMP_GT);
     return cvMatToData(out, BinaryImage, in);
 }
 
