@@ -42,8 +42,8 @@ TEST(Program, WorkedExampleStatementByStatement) {
     Engine engine(0);
     EXPECT_TRUE(engine.loadProgram("# a comment"));
     ASSERT_TRUE(engine.loadProgram(
-        "filter Shade { Threshold t; Invert i; t:out -> i:in; t:in <= image; t:ceil[128] <= limit;\n"
-        "  i:out => result }"));
+        "filter Shade { Threshold t; Invert i; t:out -> i:in; t:in <= image;\n"
+        "  t:ceil[128] <= limit; i:out => result }"));
     EXPECT_EQ(engine.getFilterInputs("Shade"),
               (Names{"optional [ColorImage, DepthImage, GrayscaleImage] image",
                      "optional [Integer] limit"}));
