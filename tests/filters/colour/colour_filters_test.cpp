@@ -63,7 +63,8 @@ TEST(ColourFilters, WorkedPixelsMetadataAndRefusals) {
     EXPECT_EQ(text(luminance({colour({255, 255, 255, 255, 0, 0, 0, 255, 0, 0, 0, 255})})),
               "GrayscaleImage 218 66 128 25");
     // The output carries the input's colour space, time and angles.
-    const auto* out = static_cast<Type::GrayscaleImage*>(*luminance({hues}).at(0));
+    const Values measured = luminance({hues});
+    const auto* out = static_cast<Type::GrayscaleImage*>(*measured.at(0));
     EXPECT_EQ(out->colorSpace + " " + std::to_string(out->timestamp.getTotalMicroseconds()) + " " +
                   std::to_string(out->horizontalAngle),
               "rgb 5 60.000000");
