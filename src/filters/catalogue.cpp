@@ -1,6 +1,9 @@
 #include "filters/catalogue.h"
 
+#include "filters/arithmetic/arithmetic_filters.h"
+#include "filters/colour/colour_filters.h"
 #include "filters/flow/flow_filters.h"
+#include "filters/functional/functional_filters.h"
 #include "filters/windows/windows_filters.h"
 #include "graph/filter.h"
 
@@ -24,7 +27,10 @@ const char* const kCatalogueOrder[] = {
 
 std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     FilterFactories factories;
+    addArithmeticFilters(factories);
+    addColourFilters(factories);
     addFlowFilters(factories);
+    addFunctionalFilters(factories);
     addWindowsFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
     for (const char* name : kCatalogueOrder) {

@@ -10,10 +10,14 @@ TEST(Catalogue, ListsFlowFiltersWithTheirPorts) {
     LogCapture log;
     Engine engine(0);
     EXPECT_EQ(engine.getFilters(),
-              (Names{"Dispatch", "Draw", "Duplicate", "Extract", "Head", "Identity", "IfChanged",
-                     "Mandatory1", "Mandatory2", "Mandatory3", "Mandatory4", "Mandatory5",
-                     "Mandatory6", "Mandatory7", "Mandatory8", "Mask", "Multiplex", "Print", "SNN",
-                     "ScaleDown", "SlidingWindow"}));
+              (Names{"Accum",       "Add",        "Append",        "Apply",      "Curry",
+                     "Dispatch",    "Draw",       "Duplicate",     "Extract",    "Head",
+                     "Hue",         "Identity",   "IfChanged",     "Invert",     "Luminance",
+                     "Mandatory1",  "Mandatory2", "Mandatory3",    "Mandatory4", "Mandatory5",
+                     "Mandatory6",  "Mandatory7", "Mandatory8",    "Mask",       "Max",
+                     "Min",         "Multiplex",  "Multiply",      "Print",      "SNN",
+                     "Saturation",  "ScaleDown",  "SlidingWindow", "Sub",        "Threshold",
+                     "ToColorImage"}));
     EXPECT_TRUE(engine.isFilter("Mandatory8"));
     EXPECT_FALSE(engine.isFilter("Mandatory9") || engine.isFilter("Mandatory"));
     EXPECT_EQ(engine.getFilterInputs("Dispatch"), (Names{"optional in", "[Boolean] state"}));
