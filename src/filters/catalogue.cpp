@@ -1,6 +1,8 @@
 #include "filters/catalogue.h"
 
 #include "filters/flow/flow_filters.h"
+#include "filters/measures/measures_filters.h"
+#include "filters/morphology/morphology_filters.h"
 #include "graph/filter.h"
 
 namespace Tessarity {
@@ -24,6 +26,8 @@ const char* const kCatalogueOrder[] = {
 std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     FilterFactories factories;
     addFlowFilters(factories);
+    addMeasuresFilters(factories);
+    addMorphologyFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
     for (const char* name : kCatalogueOrder) {
         auto factory = factories.find(name);

@@ -10,9 +10,11 @@ TEST(Catalogue, ListsFlowFiltersWithTheirPorts) {
     LogCapture log;
     Engine engine(0);
     EXPECT_EQ(engine.getFilters(),
-              (Names{"Dispatch", "Duplicate", "Head", "Identity", "IfChanged", "Mandatory1",
-                     "Mandatory2", "Mandatory3", "Mandatory4", "Mandatory5", "Mandatory6",
-                     "Mandatory7", "Mandatory8", "Multiplex", "Print"}));
+              (Names{"BoundingBox", "Density", "Dilation", "Dispatch", "Duplicate", "Erosion",
+                     "Geodesic", "Gravity", "Head", "Histogram", "Identity", "IfChanged",
+                     "ImprovedLabelize", "Labelize", "Mandatory1", "Mandatory2", "Mandatory3",
+                     "Mandatory4", "Mandatory5", "Mandatory6", "Mandatory7", "Mandatory8",
+                     "Multiplex", "Otsu", "Print", "Ratio"}));
     EXPECT_TRUE(engine.isFilter("Mandatory8"));
     EXPECT_FALSE(engine.isFilter("Mandatory9") || engine.isFilter("Mandatory"));
     EXPECT_EQ(engine.getFilterInputs("Dispatch"), (Names{"optional in", "[Boolean] state"}));
