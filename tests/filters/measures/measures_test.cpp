@@ -254,6 +254,7 @@ TEST(Measures, HistogramCountsEachChannel) {
     cv::Mat colour(23, 41, CV_8UC3), grayMat(19, 37, CV_8UC1);
     rng.fill(colour, cv::RNG::UNIFORM, 0, 256);
     rng.fill(grayMat, cv::RNG::UNIFORM, 0, 40);
+    grayMat(cv::Rect(2, 3, 30, 9)).setTo(7);  // runs of equal bytes
     for (const cv::Mat& mat : {colour(cv::Rect(3, 2, 35, 20)), grayMat}) {
         const Ptr in = mat.channels() == 3 ? box(boost::make_shared<Type::ColorImage>(mat))
                                            : box(boost::make_shared<Type::GrayscaleImage>(mat));
