@@ -1,7 +1,7 @@
 #include "filters/morphology/geodesic.h"
 
 #include <cstdint>
-#include <vector>
+#include <memory>
 
 #include <boost/make_shared.hpp>
 
@@ -22,14 +22,15 @@ namespace {
 void flood(cv::Mat& labels) {
     const std::uint32_t cols = std::uint32_t(labels.cols), rows = std::uint32_t(labels.rows);
     int* const pixels = labels.ptr<int>();
-    std::vector<std::uint32_t> queue(std::size_t(rows) * cols);
-    std::uint32_t* tail = queue.data();
+    // Left uninitialised: only what the flood writes is read.
+    const std::unique_ptr<std::uint32_t[]> queue(new std::uint32_t[std::size_t(rows) * cols]);
+    std::uint32_t* tail = queue.get();
     for (std::uint32_t y = 0; y < rows; ++y)
         for (std::uint32_t x = 0; x < cols; ++x)
             if (pixels[std::size_t(y) * cols + x]) *tail++ = x | y << 16;
     const std::uint32_t kDown = 1u << 16;
     const std::ptrdiff_t step = cols;
-    for (const std::uint32_t* head = queue.data(); head != tail; ++head) {
+    for (const std::uint32_t* head = queue.get(); head != tail; ++head) {
         const std::uint32_t entry = *head, x = entry & 0xffff, y = entry >> 16;
         int* const p = pixels + y * step + x;
         const int label = *p;
