@@ -4,6 +4,8 @@
 #include "filters/colour/colour_filters.h"
 #include "filters/flow/flow_filters.h"
 #include "filters/functional/functional_filters.h"
+#include "filters/measures/measures_filters.h"
+#include "filters/morphology/morphology_filters.h"
 #include "filters/windows/windows_filters.h"
 #include "graph/filter.h"
 
@@ -31,12 +33,11 @@ std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     addColourFilters(factories);
     addFlowFilters(factories);
     addFunctionalFilters(factories);
+    addMeasuresFilters(factories);
+    addMorphologyFilters(factories);
     addWindowsFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
-    for (const char* name : kCatalogueOrder) {
-        auto factory = factories.find(name);
-        if (factory != factories.end()) catalogue.push_back(factory->second());
-    }
+    for (const char* name : kCatalogueOrder) catalogue.push_back(factories.at(name)());
     return catalogue;
 }
 
