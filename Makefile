@@ -39,7 +39,8 @@ test-tsan: deps
 	cmake --build build-tsan -j $(JOBS)
 	cd build-tsan && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(CTEST)
 
-bench: deps
+bench:
+	@scripts/install-deps bench
 	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTESSARITY_BUILD_TESTS=OFF \
 	  -DTESSARITY_BUILD_BENCH=ON $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 	cmake --build build-bench -j $(JOBS)

@@ -36,6 +36,11 @@ namespace Tessarity {
 
 class TessarityPrivate;
 
+// The kinds of filter that createClassificationFilter makes.
+enum ClassificationType {
+    KNN = 0  // nearest neighbours among the labelled descriptors of a data base
+};
+
 // The engine. A thin handle: copies share one engine, and dropping the last one stops the
 // workers and destroys it. Any thread may call any operation at any time.
 //
@@ -75,6 +80,11 @@ public:
     // a default as "port[value]". An empty port name selects a node's only port.
     bool createFilter(const std::string& name, const Pairs& filters, const Links& links,
                       const Exports& inputs, const Exports& outputs);
+    // A classification filter named `name` over a data base, an XML file found in the data
+    // paths under "orvik/vision/tsp". The reader's exceptions (boost::property_tree's) pass
+    // for a malformed data base.
+    bool createClassificationFilter(const std::string& name, ClassificationType type,
+                                    const std::string& file);
     // Graphviz text of a filter, expanded `depth` levels into composites and nodes.
     std::string dumpFilter(const std::string& name, int depth) const;
     std::vector<std::string> getFilters() const;

@@ -167,7 +167,11 @@ void connectedComponentLabeling2(const cv::Mat& image, cv::Mat_<int>& labels, in
         labels.release();
         return;
     }
+    // No difference of two samples exceeds the widest sample, so a larger tolerance means the
+    // same; cut there, it stays far below the gap that stands for the background.
     const int widest = image.depth() == CV_8U ? UINT8_MAX : UINT16_MAX;
+    toleranceH = std::min(toleranceH, widest);
+    toleranceV = std::min(toleranceV, widest);
     if (toleranceH >= widest && toleranceV >= widest)
         labelNonZero(image, labels, minArea, maxArea);
     else if (image.depth() == CV_8U)

@@ -4,10 +4,12 @@
 
 #include <boost/make_shared.hpp>
 
+#include <kelvo/path.h>
 #include <tessarity/types/lambda.h>
 
 #include "common/logging.h"
 #include "filters/catalogue.h"
+#include "filters/classification/knn_classification.h"
 #include "graph/filter.h"
 #include "graph/filter_adapter.h"
 #include "graph/filter_composite.h"
@@ -157,6 +159,32 @@ bool FilterLibrary::createFilter(boost::shared_ptr<UserFilter> filter) {
     boost::mutex::scoped_lock lock(_filtersMutex);
     _register(adapter);
     return true;
+}
+
+bool FilterLibrary::createClassificationFilter(const std::string& name, ClassificationType type,
+                                               const std::string& file) {
+    std::ostringstream failure;
+    failure << "createClassificationFilter(\"" << name << "\", type, \"" << file << "\"): ";
+    // The file is looked for first, outside the lock, whatever the name.
+    const std::string path = kelvo::path::findData("orvik/vision/tsp", file, false);
+    if (path.empty()) {
+        failure << "File not found.";
+    } else {
+        boost::mutex::scoped_lock lock(_filtersMutex);
+        if (_filters.count(name)) {
+            failure << "A filter with the name \"" << name << "\" already exists.";
+        } else if (type != KNN) {
+            failure << "Invalid classification type.";
+        } else {
+            // Registered under the name asked for; the filter itself is "KNNClassification".
+            auto filter = boost::make_shared<Filters::KNNClassification>(path);
+            filter->bindMemoryManager(&_memoryManager);
+            _filters[name] = filter;
+            return true;
+        }
+    }
+    TES_LOG(kelvo::log::Error, failure.str());
+    return false;
 }
 
 std::string FilterLibrary::dumpFilter(const std::string& name, int depth) const {

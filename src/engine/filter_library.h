@@ -9,6 +9,8 @@
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/mutex.hpp>
 
+#include <tessarity/tessarity.h>
+
 #include "language/program_host.h"
 
 namespace Tessarity {
@@ -21,7 +23,7 @@ class Lambda;
 }
 
 // The filters that processes and composites may instantiate, by name: the built-in catalogue,
-// composites, user filters. Its mutex is taken alone, or innermost.
+// composites, classification filters, user filters. Its mutex is taken alone, or innermost.
 class FilterLibrary {
 public:
     typedef ProgramHost::Pairs Pairs;
@@ -41,6 +43,10 @@ public:
                       const Exports& inputs, const Exports& outputs);
     // A user filter of a name already in the library replaces the entry.
     bool createFilter(boost::shared_ptr<UserFilter> filter);
+    // A classification filter of `type` over the data base `file`, found in the data paths
+    // under "orvik/vision/tsp". The data base's own errors pass as the exceptions of its reader.
+    bool createClassificationFilter(const std::string& name, ClassificationType type,
+                                    const std::string& file);
     // Graphviz text of a filter of the library, expanded `depth` levels deep.
     std::string dumpFilter(const std::string& name, int depth) const;
     std::vector<std::string> getFilters() const;

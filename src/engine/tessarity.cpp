@@ -24,6 +24,11 @@ bool Tessarity::createFilter(const std::string& name, const Pairs& filters, cons
     return _d->getFilterLibrary().createFilter(name, filters, links, inputs, outputs);
 }
 
+bool Tessarity::createClassificationFilter(const std::string& name, ClassificationType type,
+                                          const std::string& file) {
+    return _d->getFilterLibrary().createClassificationFilter(name, type, file);
+}
+
 std::string Tessarity::dumpFilter(const std::string& name, int depth) const {
     return _d->getFilterLibrary().dumpFilter(name, depth);
 }

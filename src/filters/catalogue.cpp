@@ -1,6 +1,12 @@
 #include "filters/catalogue.h"
 
+#include "filters/arithmetic/arithmetic_filters.h"
+#include "filters/colour/colour_filters.h"
 #include "filters/flow/flow_filters.h"
+#include "filters/functional/functional_filters.h"
+#include "filters/measures/measures_filters.h"
+#include "filters/morphology/morphology_filters.h"
+#include "filters/windows/windows_filters.h"
 #include "graph/filter.h"
 
 namespace Tessarity {
@@ -23,12 +29,15 @@ const char* const kCatalogueOrder[] = {
 
 std::vector<boost::shared_ptr<Filter>> createCatalogue() {
     FilterFactories factories;
+    addArithmeticFilters(factories);
+    addColourFilters(factories);
     addFlowFilters(factories);
+    addFunctionalFilters(factories);
+    addMeasuresFilters(factories);
+    addMorphologyFilters(factories);
+    addWindowsFilters(factories);
     std::vector<boost::shared_ptr<Filter>> catalogue;
-    for (const char* name : kCatalogueOrder) {
-        auto factory = factories.find(name);
-        if (factory != factories.end()) catalogue.push_back(factory->second());
-    }
+    for (const char* name : kCatalogueOrder) catalogue.push_back(factories.at(name)());
     return catalogue;
 }
 

@@ -104,6 +104,9 @@ TEST(Labeling, HandMadeImages) {
         {CV_8U, kU, 255, 255, 0, 0, "1 0 2 0 1 / 1 0 0 0 1 / 1 1 1 1 1"},
         {CV_8U, kU, 0, 0, 2, 0, "1 0 0 0 1 / 1 0 0 0 1 / 1 1 1 1 1"},
         {CV_8U, kChain, 0, 0, 10, 0, "1 0 1 0 1 / 1 0 1 1 1 / 1 1 1 0 0"},
+        // A tolerance beyond every difference does not reach across the background.
+        {CV_8U, "5 0 7", 2000000000, 0, 0, 0, "1 0 2"},
+        {CV_16U, "5 0 7 / 5 5 0", 0, INT_MAX, 0, 0, "1 0 2 / 1 1 0"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE("case " + std::to_string(&c - cases));

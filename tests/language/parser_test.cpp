@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tessarity/types/image.h>
+
 #include "kits/engine_kit.h"
 
 using namespace enginekit;
@@ -18,6 +20,21 @@ std::string describe(const boost::shared_ptr<Data>& value) {
     return value ? Data::getTypeName(value->getType()) + " " + value->toString() : "null";
 }
 
+// The first row of a BinaryImage value, or the description of anything else.
+std::string firstRow(const boost::shared_ptr<Data>& value) {
+    const auto* image = value ? static_cast<Tessarity::Type::BinaryImage*>(*value) : nullptr;
+    if (!image) return describe(value);
+    std::string out = "BinaryImage";
+    for (int x = 0; x < image->mat.cols; ++x) out += " " + std::to_string(image->pixel(x, 0));
+    return out;
+}
+
+template <class C>
+boost::shared_ptr<Data> picture(const std::vector<unsigned char>& samples) {
+    return boost::make_shared<Data>(boost::make_shared<C>(
+        samples.data(), static_cast<unsigned int>(samples.size()) / C::Channels, 1u));
+}
+
 }  // namespace
 
 TEST(Program, WorkedExampleStatementByStatement) {
@@ -25,9 +42,11 @@ TEST(Program, WorkedExampleStatementByStatement) {
     Engine engine(0);
     EXPECT_TRUE(engine.loadProgram("# a comment"));
     ASSERT_TRUE(engine.loadProgram(
-        "filter Shade { Identity t; Mandatory2 i; t:out -> i:in1; t:in <= image;\n"
-        "  i:in2[128] <= limit; i:out1 => result }"));
-    EXPECT_EQ(engine.getFilterInputs("Shade"), (Names{"optional image", "optional limit"}));
+        "filter Shade { Threshold t; Invert i; t:out -> i:in; t:in <= image;\n"
+        "  t:ceil[128] <= limit; i:out => result }"));
+    EXPECT_EQ(engine.getFilterInputs("Shade"),
+              (Names{"optional [ColorImage, DepthImage, GrayscaleImage] image",
+                     "optional [Integer] limit"}));
 
     ASSERT_TRUE(engine.loadProgram("source camera { } source limit { 100 }"));
 
@@ -47,10 +66,18 @@ TEST(Program, WorkedExampleStatementByStatement) {
     EXPECT_EQ(engine.getSources(), (Names{"camera"}));
     EXPECT_TRUE(messages(log, kelvo::log::Warning).empty());
 
-    // The graph runs: camera through Shade into Main:mask, and on into Watch:copy.
+    // The graph runs: camera through Shade into Main:mask, and on into Watch:copy. Main keeps
+    // the limit 100 of the deleted source. Gray pixels above it come out as 255 and colour ones
+    // as 1, and the inversion clears every set byte alike.
+    using namespace Tessarity::Type;
+    engine.setData("camera", picture<GrayscaleImage>({50, 100, 101, 255}));
+    EXPECT_EQ(firstRow(engine.getData("Main:mask", Time(1000000))), "BinaryImage 255 255 0 0");
+    EXPECT_EQ(firstRow(engine.getData("Watch:copy", Time(1000000))), "BinaryImage 255 255 0 0");
+    engine.setData("camera", picture<ColorImage>({100, 100, 100, 100, 100, 101}));
+    EXPECT_EQ(firstRow(engine.getData("Main:mask", Time(2000000))), "BinaryImage 255 0");
+    // An input of no accepted class gives no value at all.
     engine.setData("camera", boost::make_shared<Data>(7));
-    EXPECT_EQ(describe(engine.getData("Main:mask", Time(1000000))), "Integer 7");
-    EXPECT_EQ(describe(engine.getData("Watch:copy", Time(1000000))), "Integer 7");
+    EXPECT_EQ(firstRow(engine.getData("Main:mask", Time(3000000))), "null");
 }
 
 TEST(Program, StatementsStopAtTheFirstFailure) {

@@ -1,0 +1,55 @@
+#include "filters/arithmetic/max.h"
+
+#include <opencv2/core.hpp>
+
+#include "filters/arithmetic/operands.h"
+#include "graph/port.h"
+
+namespace Tessarity {
+namespace Filters {
+
+namespace {
+
+// The tie-break decides which operand a NaN yields: "right" in every case.
+struct Larger {
+    int operator()(int left, int right) const { return left <= right ? right : left; }
+    template <typename T>
+    T operator()(T left, T right) const {
+        return left > right ? left : right;
+    }
+};
+
+void larger(const cv::Mat& a, const cv::Mat& b, cv::Mat& out) { cv::max(a, b, out); }
+
+}  // namespace
+
+Max::Max() : FilterPrimitive("Max") {
+    for (const char* name : {"left", "right"})
+        _addInput(name)
+            ->addType(Integer)
+            .addType(Float)
+            .addType(Double)
+            .addType(ColorImage)
+            .addType(GrayscaleImage);
+    _addOutput("out");
+}
+
+std::vector<boost::shared_ptr<Data>> Max::applyFilter(
+    const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
+    long long) {
+    if (!Operands::arePair(inputs)) return {};
+    const Data& left = *inputs[0];
+    const Data& right = *inputs[1];
+    if (left.getType() != right.getType()) return {};
+    switch (left.getType()) {
+        case ColorImage:
+            return Operands::result(Operands::perSample<Type::ColorImage>(left, right, larger));
+        case GrayscaleImage:
+            return Operands::result(Operands::perSample<Type::GrayscaleImage>(left, right, larger));
+        default:
+            return Operands::result(Operands::numbers(left, right, Larger()));
+    }
+}
+
+}  // namespace Filters
+}  // namespace Tessarity

@@ -1,0 +1,23 @@
+#ifndef TESSARITY_FILTERS_ARITHMETIC_MAX_H
+#define TESSARITY_FILTERS_ARITHMETIC_MAX_H
+
+#include "graph/filter_primitive.h"
+
+namespace Tessarity {
+namespace Filters {
+
+// The larger of two numbers of one type, or of each pair of bytes of two colour or two gray
+// images. On a tie, and when either number is a NaN, the result is "right".
+class Max : public FilterPrimitive {
+public:
+    Max();
+
+    std::vector<boost::shared_ptr<Data>> applyFilter(
+        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash& process,
+        const StringHash& request, long long depth) override;
+};
+
+}  // namespace Filters
+}  // namespace Tessarity
+
+#endif

@@ -1,0 +1,56 @@
+#include "filters/arithmetic/min.h"
+
+#include <opencv2/core.hpp>
+
+#include "filters/arithmetic/operands.h"
+#include "graph/port.h"
+
+namespace Tessarity {
+namespace Filters {
+
+namespace {
+
+// The tie-break decides which operand a NaN yields: "right" in every case.
+struct Smaller {
+    int operator()(int left, int right) const { return left >= right ? right : left; }
+    template <typename T>
+    T operator()(T left, T right) const {
+        return right > left ? left : right;
+    }
+};
+
+void smaller(const cv::Mat& a, const cv::Mat& b, cv::Mat& out) { cv::min(a, b, out); }
+
+}  // namespace
+
+Min::Min() : FilterPrimitive("Min") {
+    for (const char* name : {"left", "right"})
+        _addInput(name)
+            ->addType(Integer)
+            .addType(Float)
+            .addType(Double)
+            .addType(ColorImage)
+            .addType(GrayscaleImage);
+    _addOutput("out");
+}
+
+std::vector<boost::shared_ptr<Data>> Min::applyFilter(
+    const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
+    long long) {
+    if (!Operands::arePair(inputs)) return {};
+    const Data& left = *inputs[0];
+    const Data& right = *inputs[1];
+    if (left.getType() != right.getType()) return {};
+    switch (left.getType()) {
+        case ColorImage:
+            return Operands::result(Operands::perSample<Type::ColorImage>(left, right, smaller));
+        case GrayscaleImage:
+            return Operands::result(
+                Operands::perSample<Type::GrayscaleImage>(left, right, smaller));
+        default:
+            return Operands::result(Operands::numbers(left, right, Smaller()));
+    }
+}
+
+}  // namespace Filters
+}  // namespace Tessarity

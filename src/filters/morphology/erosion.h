@@ -1,0 +1,22 @@
+#ifndef TESSARITY_FILTERS_MORPHOLOGY_EROSION_H
+#define TESSARITY_FILTERS_MORPHOLOGY_EROSION_H
+
+#include "graph/filter_primitive.h"
+
+namespace Tessarity {
+namespace Filters {
+
+// The least value under a square kernel of side "size" around each pixel.
+class Erosion : public FilterPrimitive {
+public:
+    Erosion();
+
+    std::vector<boost::shared_ptr<Data>> applyFilter(
+        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash& process,
+        const StringHash& request, long long depth) override;
+};
+
+}  // namespace Filters
+}  // namespace Tessarity
+
+#endif
