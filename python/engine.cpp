@@ -89,6 +89,7 @@ void bindEngine(py::module_& module) {
                     data = engine.getData(sink);
                 } else {
                     const Type::Time at = toTime(time);
+                    py::gil_scoped_release release;
                     data = engine.getData(sink, at);
                 }
                 return toPython(data);
