@@ -1,8 +1,9 @@
 // examples/frames/generate_frames.cpp: a short camera sequence for trying pipelines.
 //
-//   generate_frames DIR [--count N] [--seed S]
+//   generate_frames DIR [--count N] [--seed S] [--ppm]
 //
-// Writes DIR/frame_0000.png ... (N frames, 12 by default, of 320x240): a still textured
+// Writes DIR/frame_0000.png ... (N frames, 12 by default, of 320x240), or binary PPM files
+// frame_0000.ppm ... with --ppm, which a few lines of any language can read: a still textured
 // background, three bright shapes that cross it on straight paths, each in its own band so
 // that they never touch, and fresh noise in every frame. The same seed gives the same files.
 // Prints the bounding box of each shape in each frame, corners included:
@@ -16,7 +17,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 
 #include <opencv2/imgproc.hpp>
@@ -66,8 +69,17 @@ void draw(cv::Mat& image, const Shape& shape, cv::Point centre, const cv::Scalar
 
 int usage(const std::string& message) {
     std::cerr << "generate_frames: " << message << "\n"
-              << "usage: generate_frames DIR [--count N] [--seed S]\n";
+              << "usage: generate_frames DIR [--count N] [--seed S] [--ppm]\n";
     return 2;
+}
+
+// A binary PPM: a short text header, then the red, green, blue bytes row by row.
+void writePpm(const std::string& path, const cv::Mat& image) {
+    std::ofstream file(path, std::ios::binary);
+    file << "P6\n" << image.cols << " " << image.rows << "\n255\n";
+    for (int row = 0; row < image.rows; ++row)
+        file.write(image.ptr<char>(row), static_cast<std::streamsize>(image.cols) * 3);
+    if (!file) throw std::runtime_error("cannot write '" + path + "'");
 }
 
 }  // namespace
@@ -76,12 +88,15 @@ int main(int argc, char** argv) {
     std::string directory;
     int count = 12;
     int seed = 1;
+    bool ppm = false;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if ((argument == "--count" || argument == "--seed") && i + 1 < argc) {
             const long value = std::strtol(argv[++i], nullptr, 10);
             if (value < 1 || value > 10000) return usage(argument + " needs 1 to 10000");
             (argument == "--count" ? count : seed) = static_cast<int>(value);
+        } else if (argument == "--ppm") {
+            ppm = true;
         } else if (directory.empty() && argument[0] != '-') {
             directory = argument;
         } else {
@@ -99,7 +114,7 @@ int main(int argc, char** argv) {
         const double along = count > 1 ? double(frame) / (count - 1) : 0.0;
         cv::Mat image = scene.clone();
         char name[32];
-        std::snprintf(name, sizeof name, "frame_%04d.png", frame);
+        std::snprintf(name, sizeof name, "frame_%04d.%s", frame, ppm ? "ppm" : "png");
         for (const Shape& shape : kShapes) {
             const cv::Point centre(int(std::lround(shape.from.x + (shape.to.x - shape.from.x) * along)),
                                    int(std::lround(shape.from.y + (shape.to.y - shape.from.y) * along)));
@@ -116,8 +131,11 @@ int main(int argc, char** argv) {
         noise = cv::max(cv::min(noise, kNoise), -kNoise);
         cv::add(image, noise, image, cv::noArray(), CV_8UC3);
         try {
-            TessarityRun::writePng((std::filesystem::path(directory) / name).string(),
-                                   Tessarity::Type::ColorImage(image));
+            const std::string path = (std::filesystem::path(directory) / name).string();
+            if (ppm)
+                writePpm(path, image);
+            else
+                TessarityRun::writePng(path, Tessarity::Type::ColorImage(image));
         } catch (const std::exception& failure) {
             std::cerr << "generate_frames: " << failure.what() << "\n";
             return 1;

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -143,11 +144,13 @@ TEST_F(RunTool, RunsShowsAndRefuses) {
 }
 
 // The frames carry shapes that one threshold isolates, and the boxes the generator prints
-// are those of the shapes found; the same seed gives the same files.
+// are those of the shapes found; the same seed gives the same files, PNG or PPM.
 TEST_F(RunTool, GeneratedFramesHoldTheBoxesTheyAnnounce) {
     const Result first = frames("a --count 4 --seed 7");
     ASSERT_EQ(first.status, 0) << first.err;
     ASSERT_EQ(frames("b --count 4 --seed 7").out, first.out);
+    const Result ppm = frames("c --count 4 --seed 7 --ppm");
+    ASSERT_EQ(std::regex_replace(ppm.out, std::regex("\\.ppm "), ".png "), first.out);
     std::map<std::string, std::multiset<std::string>> announced;
     std::istringstream lines(first.out);
     for (std::string file, shape, box; lines >> file >> shape && std::getline(lines, box);)
@@ -157,6 +160,11 @@ TEST_F(RunTool, GeneratedFramesHoldTheBoxesTheyAnnounce) {
         SCOPED_TRACE(frame.first);
         EXPECT_EQ(slurp(dir / "a" / frame.first), slurp(dir / "b" / frame.first));
         const auto read = TessarityRun::readImage((dir / "a" / frame.first).string(), {});
+        const auto same = TessarityRun::readImage(
+            (dir / "c" / frame.first).replace_extension(".ppm").string(), {});
+        EXPECT_EQ(cv::norm(static_cast<Tessarity::Type::ColorImage*>(*read)->mat,
+                           static_cast<Tessarity::Type::ColorImage*>(*same)->mat, cv::NORM_INF),
+                  0.0);
         cv::Mat wide, sum, labels, stats, centroids;
         static_cast<Tessarity::Type::ColorImage*>(*read)->mat.convertTo(wide, CV_32FC3);
         cv::transform(wide, sum, cv::Matx13f(1, 1, 1));
