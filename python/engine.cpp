@@ -55,6 +55,10 @@ void bindEngine(py::module_& module) {
     const auto released = py::call_guard<py::gil_scoped_release>();
     const py::arg_v noTime("time", py::none());
 
+    py::enum_<ClassificationType>(module, "ClassificationType")
+        .value("KNN", KNN)
+        .export_values();
+
     py::class_<Engine, std::unique_ptr<Engine, EngineDelete>>(module, "Engine")
         .def(py::init([](unsigned int threads) {
                  Engine* engine;
@@ -127,6 +131,8 @@ void bindEngine(py::module_& module) {
             },
             py::arg("name"), py::arg("filters"), py::arg("links"), py::arg("inputs"),
             py::arg("outputs"))
+        .def("create_classification_filter", &Engine::createClassificationFilter,
+             py::arg("name"), py::arg("type"), py::arg("file"), released)
         .def("dump_filter", &Engine::dumpFilter, py::arg("name"), py::arg("depth") = 1, released)
         .def("get_filters", &Engine::getFilters, released)
         .def("is_filter", &Engine::isFilter, py::arg("name"), released)

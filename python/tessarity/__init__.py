@@ -32,14 +32,14 @@ import logging
 import numpy
 
 from . import _tessarity
-from ._tessarity import (Engine, Human, Lambda, Object2D, Object3D, log_to_python,
-                         log_to_stderr, type_name)
+from ._tessarity import (KNN, ClassificationType, Engine, Human, Lambda, Object2D, Object3D,
+                         log_to_python, log_to_stderr, type_name)
 
 __all__ = [
-    "Engine", "Filter", "Source", "Color", "Region2", "Region3", "Histogram", "AudioBuffer",
-    "Human", "Object2D", "Object3D", "Lambda", "Image", "ColorImage", "GrayscaleImage",
-    "BinaryImage", "LabelImage", "DepthImage", "XYZImage", "MatrixImage", "log_to_python",
-    "log_to_stderr", "type_name", "VERBOSE",
+    "Engine", "ClassificationType", "KNN", "Filter", "Source", "Color", "Region2", "Region3",
+    "Histogram", "AudioBuffer", "Human", "Object2D", "Object3D", "Lambda", "Image", "ColorImage",
+    "GrayscaleImage", "BinaryImage", "LabelImage", "DepthImage", "XYZImage", "MatrixImage",
+    "log_to_python", "log_to_stderr", "type_name", "VERBOSE",
 ]
 
 

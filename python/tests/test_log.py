@@ -1,6 +1,8 @@
 import logging
 import threading
 
+import pytest
+
 import tessarity
 
 
@@ -43,3 +45,25 @@ def test_lines_go_to_stderr_and_back(engine, caplog, capfd):
     assert not caplog.records
     engine.create_source("x")
     assert [r.message for r in caplog.records] == ['createSource("x"): source already exists.']
+
+
+@pytest.mark.parametrize("call", [
+    lambda engine: engine.set_data("lens", 1),
+    lambda engine: engine.get_data("nope:out", time=1),
+    lambda engine: engine.get_last_data("nope:out"),
+    lambda engine: engine.get_source_data("lens"),
+    lambda engine: engine.create_source_event("lens", "nope"),
+    lambda engine: engine.set_process_tolerance("nope", 10),
+], ids=["set_data", "get_data", "get_last_data", "get_source_data", "create_source_event",
+        "set_process_tolerance"])
+def test_refusals_raise_value_error_with_the_logged_text(engine, caplog, call):
+    with caplog.at_level(logging.ERROR, logger="tessarity"), pytest.raises(ValueError) as refused:
+        call(engine)
+    assert [r.message for r in caplog.records] == [str(refused.value)]
+
+
+def test_refusals_without_an_exception_answer_false(engine, caplog):
+    with caplog.at_level(logging.ERROR, logger="tessarity"):
+        assert not engine.create_classification_filter("shapes", tessarity.KNN, "nowhere.xml")
+        assert not engine.delete_process("nope")
+    assert len(caplog.records) == 2
