@@ -84,7 +84,7 @@ def test_python_threads_and_workers_share_the_engine(caplog):
 
     def client(index):
         try:
-            for i in range(150):
+            for i in range(2000):
                 engine.set_data("frames", np.full((24, 32, 3), i, np.uint8))
                 engine.set_data("numbers", i)
                 assert engine.get_data("copy:copied") is not None
@@ -93,11 +93,39 @@ def test_python_threads_and_workers_share_the_engine(caplog):
         except Exception as error:  # reported by the main thread
             failures.append(error)
 
-    with caplog.at_level(logging.INFO, logger="tessarity"):
-        clients = [threading.Thread(target=client, args=(i,)) for i in range(4)]
-        for thread in clients:
-            thread.start()
-        for thread in clients:
-            thread.join(90)
+    interval = sys.getswitchinterval()
+    sys.setswitchinterval(1e-5)  # the GIL changes hands as often as it can
+    try:
+        with caplog.at_level(logging.INFO, logger="tessarity"):
+            clients = [threading.Thread(target=client, args=(i,)) for i in range(4)]
+            for thread in clients:
+                thread.start()
+            for thread in clients:
+                thread.join(90)
+    finally:
+        sys.setswitchinterval(interval)
     assert not any(thread.is_alive() for thread in clients) and not failures
     assert (24, 32, 3) in seen and any(r.name == "tessarity" for r in caplog.records)
+
+
+def test_two_python_threads_pull_two_processes_at_once():
+    """Each pull runs its process's filter on the pulling thread; the filters can only pass
+    the barrier together, so the two pulls must be inside the engine at the same time."""
+    barrier = threading.Barrier(2, timeout=30)
+    engine = tessarity.Engine(threads=0)
+    engine.create_filter(Hold(barrier.wait))
+    engine.create_source("in")
+    for name in ("a", "b"):
+        engine.create_process(name, "Hold", {"in": "in"}, {"out": "out"}, frequency=1e6)
+    engine.set_data("in", 5, time=1)
+    results = {}
+
+    def pull(name):
+        results[name] = engine.get_data(name + ":out", time=1)
+
+    pullers = [threading.Thread(target=pull, args=(name,)) for name in ("a", "b")]
+    for thread in pullers:
+        thread.start()
+    for thread in pullers:
+        thread.join(60)
+    assert results == {"a": 5, "b": 5}

@@ -139,3 +139,26 @@ def test_records_are_shared_with_the_engine(identity):
     assert back.get_object2d("face") is face and back.get_object3d("body") is None
     assert face.region == Region2((0.0, 0.0), (2.0, 3.0)) and face.get_property(1) == "smile"
     assert back.get_property(4) == [1, 2] and not back.has_property(5)
+
+
+def test_images_made_in_the_engine_are_read_in_place(engine):
+    class Make(tessarity.Filter):
+        inputs = ["in"]
+        outputs = ["out"]
+
+        def process(self, inputs):
+            self.made = np.full((4, 5), inputs[0], np.uint8)
+            return [self.made]
+
+    maker = Make()
+    engine.create_filter(maker)
+    engine.create_source("in")
+    engine.create_source("frame")
+    engine.create_process("make", "Make", {"in": "in"}, {"out": "out"}, frequency=1e6)
+    engine.create_process("luma", "Luminance", {"in": "frame"}, {"out": "out"}, frequency=1e6)
+    engine.set_data("in", 9, time=1)
+    engine.set_data("frame", np.full((4, 5, 3), 9, np.uint8), time=1)
+    made = engine.get_data("make:out", time=1)
+    assert made.ctypes.data == maker.made.ctypes.data and (made == 9).all()
+    luma = engine.get_data("luma:out", time=1)
+    assert engine.get_last_data("luma:out").ctypes.data == luma.ctypes.data
