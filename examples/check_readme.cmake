@@ -1,6 +1,6 @@
 # Fails unless each example below stands in README.md, whole and unchanged, as a fenced block
 # of its language, and the README has no other block of those languages.
-set(examples first_program.cpp:cpp capture_log.cpp:cpp gate.tsp:tsp)
+set(examples first_program.cpp:cpp capture_log.cpp:cpp gate.tsp:tsp blobs.py:python)
 file(READ "${README}" readme)
 foreach(entry ${examples})
   string(REPLACE ":" ";" parts "${entry}")
@@ -13,7 +13,7 @@ foreach(entry ${examples})
   endif()
   math(EXPR expected_${language} "${expected_${language}} + 1")
 endforeach()
-foreach(language cpp tsp)
+foreach(language cpp tsp python)
   string(REGEX MATCHALL "```${language}\n" blocks "${readme}")
   list(LENGTH blocks count)
   if(NOT count EQUAL expected_${language})
