@@ -223,6 +223,26 @@ def _emit_log_line(level, category, message):
     logger.log(_LEVELS.get(level, logging.DEBUG), message)
 
 
+# The calls made for every frame take `time` by keyword here and pass it on by position:
+# pybind11 matches a keyword argument by copying the call's keyword dict, which costs more than
+# this extra Python call.
+_bound_set_data, _bound_get_data = Engine.set_data, Engine.get_data
+
+
+def _set_data(self, source, value, time=None):
+    return _bound_set_data(self, source, value, time)
+
+
+def _get_data(self, sink, time=None):
+    return _bound_get_data(self, sink, time)
+
+
+for _wrapper, _bound in ((_set_data, _bound_set_data), (_get_data, _bound_get_data)):
+    _wrapper.__name__, _wrapper.__doc__ = _bound.__name__, _bound.__doc__
+    _wrapper.__qualname__ = "Engine." + _bound.__name__
+    setattr(Engine, _bound.__name__, _wrapper)
+del _wrapper, _bound
+
 _tessarity._register_classes({
     "Color": Color, "Region2": Region2, "Region3": Region3, "Histogram": Histogram,
     "AudioBuffer": AudioBuffer, "Image": Image, "Filter": Filter, "Source": Source,
