@@ -97,7 +97,7 @@ TEST(Data, EveryRecordHasItsTagItsTextAndItsOwnPointerConversion) {
         texts);
     EXPECT_EQ(
         "Color Vector2 Vector3 Vector4 Vector6 Histogram Region3 GrayscaleImage ColorImage "
-        "Human Object2D Object3D AudioBuffer Vector6 ",
+        "Human Object2D Object3D AudioBuffer Vector6 Histogram ",
         types);
 
     // A shared pointer is kept; a value is copied; pointers need the exact tag.
