@@ -1,12 +1,12 @@
 // The arithmetic filters on 640x480 images, each beside the OpenCV operation that does the
 // nearest work into a new matrix: the filter's time, OpenCV's, and their ratio.
-#include <chrono>
-
 #include <benchmark/benchmark.h>
 #include <boost/make_shared.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <tessarity/types/image.h>
+
+#include "filter_scenes.h"
 
 #include "filters/arithmetic/add.h"
 #include "filters/arithmetic/invert.h"
@@ -19,41 +19,9 @@
 namespace {
 
 using namespace Tessarity;
-typedef std::vector<boost::shared_ptr<Data>> Values;
-
-// Ours and OpenCV's call alternate within each iteration, on one thread, so that both meet the
-// same caches and the same load of a shared machine; the iteration time is ours.
-template <typename Ours, typename Theirs>
-void versusOpenCV(benchmark::State& state, Ours ours, Theirs theirs) {
-    typedef std::chrono::steady_clock Clock;
-    const int threads = cv::getNumThreads();
-    cv::setNumThreads(1);
-    double oursSeconds = 0, theirsSeconds = 0;
-    for (auto _ : state) {
-        const Clock::time_point start = Clock::now();
-        ours();
-        const Clock::time_point middle = Clock::now();
-        theirs();
-        const double elapsed = std::chrono::duration<double>(middle - start).count();
-        oursSeconds += elapsed;
-        theirsSeconds += std::chrono::duration<double>(Clock::now() - middle).count();
-        state.SetIterationTime(elapsed);
-    }
-    state.counters["opencv_us"] = theirsSeconds * 1e6 / double(state.iterations());
-    state.counters["ratio"] = oursSeconds / theirsSeconds;
-    cv::setNumThreads(threads);
-}
-
-cv::Mat noise(int type, int seed) {
-    cv::Mat pixels(480, 640, type);
-    cv::RNG(seed).fill(pixels, cv::RNG::UNIFORM, 0, 256);
-    return pixels;
-}
-
-template <class C>
-boost::shared_ptr<Data> valueOf(const cv::Mat& pixels) {
-    return boost::make_shared<Data>(boost::make_shared<C>(pixels));
-}
+using filterbench::Values;
+using filterbench::noise;
+using filterbench::versusOpenCV;
 
 void run(Filter& filter, const Values& inputs) {
     benchmark::DoNotOptimize(filter.applyFilter(inputs, "p", "r", 0));
@@ -64,7 +32,7 @@ template <class F>
 void colourPair(benchmark::State& state, void (*openCV)(const cv::Mat&, const cv::Mat&)) {
     F filter;
     const cv::Mat a = noise(CV_8UC3, 1), b = noise(CV_8UC3, 2);
-    const Values inputs{valueOf<Type::ColorImage>(a), valueOf<Type::ColorImage>(b)};
+    const Values inputs{filterbench::value<Type::ColorImage>(a), filterbench::value<Type::ColorImage>(b)};
     versusOpenCV(
         state, [&] { run(filter, inputs); }, [&] { openCV(a, b); });
 }
@@ -93,7 +61,7 @@ void MultiplyVsMultiply(benchmark::State& state) {
 void InvertVsBitwiseNot(benchmark::State& state) {
     Filters::Invert filter;
     const cv::Mat a = noise(CV_8UC3, 3);
-    const Values inputs{valueOf<Type::ColorImage>(a)};
+    const Values inputs{filterbench::value<Type::ColorImage>(a)};
     versusOpenCV(
         state, [&] { run(filter, inputs); },
         [&] {
@@ -108,7 +76,7 @@ template <class C>
 void ThresholdVsThreshold(benchmark::State& state) {
     Filters::Threshold filter;
     const cv::Mat a = noise(C::MatType, 4);
-    const Values inputs{valueOf<C>(a), boost::make_shared<Data>(100)};
+    const Values inputs{filterbench::value<C>(a), boost::make_shared<Data>(100)};
     versusOpenCV(
         state, [&] { run(filter, inputs); },
         [&] {

@@ -78,22 +78,18 @@ boost::shared_ptr<Tessarity::Data> value(const cv::Mat& mat) {
     return boost::make_shared<Tessarity::Data>(boost::make_shared<C>(mat, "rgb"));
 }
 
-// The filter's call and OpenCV's alternate within each iteration, so that both meet the same
-// caches and the same load of a shared machine, and on one thread, as the filters' own loops
-// run. The time reported is the filter's, with OpenCV's time and the ratio as counters.
-template <typename Theirs>
-void versusOpenCV(benchmark::State& state, Tessarity::Filter& filter, const Values& inputs,
-                  Theirs theirs) {
+// Ours and OpenCV's call alternate within each iteration, so that both meet the same caches
+// and the same load of a shared machine, and on one thread, as our own loops run. The time
+// reported is ours, with OpenCV's time and the ratio as counters.
+template <typename Ours, typename Theirs>
+void versusOpenCV(benchmark::State& state, Ours ours, Theirs theirs) {
     typedef std::chrono::steady_clock Clock;
     const int threads = cv::getNumThreads();
     cv::setNumThreads(1);
     double oursSeconds = 0, theirsSeconds = 0;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
-        {
-            Values out = filter.applyFilter(inputs, "bench", "bench", 0);
-            benchmark::DoNotOptimize(out.data());
-        }
+        ours();
         const Clock::time_point middle = Clock::now();
         theirs();
         const Clock::time_point end = Clock::now();
@@ -107,6 +103,26 @@ void versusOpenCV(benchmark::State& state, Tessarity::Filter& filter, const Valu
     state.counters["opencv_us"] = theirsSeconds * 1e6 / calls;
     state.counters["ratio"] = oursSeconds / theirsSeconds;
     cv::setNumThreads(threads);
+}
+
+// A filter's call on `inputs` beside OpenCV's.
+template <typename Theirs>
+void versusOpenCV(benchmark::State& state, Tessarity::Filter& filter, const Values& inputs,
+                  Theirs theirs) {
+    versusOpenCV(
+        state,
+        [&] {
+            Values out = filter.applyFilter(inputs, "bench", "bench", 0);
+            benchmark::DoNotOptimize(out.data());
+        },
+        theirs);
+}
+
+// A 640x480 matrix of uniform noise.
+inline cv::Mat noise(int type, int seed) {
+    cv::Mat pixels(480, 640, type);
+    cv::RNG(seed).fill(pixels, cv::RNG::UNIFORM, 0, 256);
+    return pixels;
 }
 
 }  // namespace filterbench

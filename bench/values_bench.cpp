@@ -1,4 +1,3 @@
-#include <chrono>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -7,6 +6,8 @@
 #include <tessarity/types/image.h>
 #include <boost/make_shared.hpp>
 #include <opencv2/imgproc.hpp>
+
+#include "filter_scenes.h"
 
 using Tessarity::Data;
 using Tessarity::StringHash;
@@ -69,32 +70,7 @@ static void StringHashFromName(benchmark::State& state) {
 }
 BENCHMARK(StringHashFromName)->Arg(16)->Arg(64);
 
-// Image work beside the OpenCV operation nearest to it, on 640x480 pictures. Both run by turns
-// in each iteration, so that they meet the same caches, and on one thread, as our own loops
-// do; the time reported is ours, with OpenCV's time per iteration and the ratio ours / OpenCV
-// as counters.
-template <typename Ours, typename Theirs>
-static void versusOpenCV(benchmark::State& state, Ours ours, Theirs theirs) {
-    typedef std::chrono::steady_clock Clock;
-    const int threads = cv::getNumThreads();
-    cv::setNumThreads(1);
-    double oursSeconds = 0, theirsSeconds = 0;
-    for (auto _ : state) {
-        const Clock::time_point start = Clock::now();
-        ours();
-        const Clock::time_point middle = Clock::now();
-        theirs();
-        const Clock::time_point end = Clock::now();
-        const double elapsed = std::chrono::duration<double>(middle - start).count();
-        oursSeconds += elapsed;
-        theirsSeconds += std::chrono::duration<double>(end - middle).count();
-        state.SetIterationTime(elapsed);
-    }
-    state.counters["opencv_us"] =
-        benchmark::Counter(theirsSeconds * 1e6 / static_cast<double>(state.iterations()));
-    state.counters["ratio"] = benchmark::Counter(oursSeconds / theirsSeconds);
-    cv::setNumThreads(threads);
-}
+using filterbench::versusOpenCV;
 
 // A scene of a dozen labelled rectangles on background, and the matching depths in
 // millimetres: a ramp from 0 (no measurement) to beyond the far end of the scale.

@@ -19,6 +19,7 @@ namespace {
 
 using namespace Tessarity;
 typedef boost::shared_ptr<Data> Ptr;
+typedef ::Tessarity::Tessarity Engine;
 
 const int kMaxSide = 64;
 
@@ -79,7 +80,7 @@ Ptr image(FuzzedDataProvider& bytes, int width, int height) {
     return boost::make_shared<Data>(made);
 }
 
-Ptr value(FuzzedDataProvider& bytes, DataType type, Tessarity::Tessarity& engine,
+Ptr value(FuzzedDataProvider& bytes, DataType type, Engine& engine,
           const std::vector<std::string>& filters, int depth);
 
 Ptr imageOf(FuzzedDataProvider& bytes, DataType type) {
@@ -99,7 +100,7 @@ Ptr imageOf(FuzzedDataProvider& bytes, DataType type) {
     }
 }
 
-Ptr value(FuzzedDataProvider& bytes, DataType type, Tessarity::Tessarity& engine,
+Ptr value(FuzzedDataProvider& bytes, DataType type, Engine& engine,
           const std::vector<std::string>& filters, int depth) {
     switch (type) {
         case Boolean: return boost::make_shared<Data>(bytes.ConsumeBool());
@@ -116,10 +117,11 @@ Ptr value(FuzzedDataProvider& bytes, DataType type, Tessarity::Tessarity& engine
         case XYZImage:
         case MatrixImage: return imageOf(bytes, type);
         case Histogram: {
-            const unsigned size = bytes.ConsumeIntegralInRange<unsigned>(0, 300);
+            // A histogram has at least one bin, which its searches read unchecked.
+            const unsigned size = bytes.ConsumeIntegralInRange<unsigned>(1, 300);
             const unsigned channels = bytes.ConsumeIntegralInRange<unsigned>(0, 4);
             auto histogram = boost::make_shared<Type::Histogram>(size, channels);
-            for (unsigned i = 0; histogram->getData() && i < size * channels; ++i)
+            for (unsigned i = 0; histogram->getData() && i < size; ++i)
                 histogram->getData()[i] = real(bytes);
             return boost::make_shared<Data>(histogram);
         }
@@ -167,17 +169,17 @@ Ptr value(FuzzedDataProvider& bytes, DataType type, Tessarity::Tessarity& engine
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static Tessarity::Tessarity* engine = [] {
+    static Engine* engine = [] {
         // Refused inputs log; the lines themselves are not under test here.
         kelvo::log::setHandler([](int, const std::string&, const std::string&) {});
-        return new Tessarity::Tessarity(0);
+        return new Engine(0);
     }();
     static const std::vector<std::string> filters = engine->getFilters();
     static long long time = 0;
 
     FuzzedDataProvider bytes(data, size);
     const std::string filter = filters[bytes.ConsumeIntegralInRange<std::size_t>(0, filters.size() - 1)];
-    Tessarity::Tessarity::Pairs inputs, outputs;
+    Engine::Pairs inputs, outputs;
     std::vector<std::pair<std::string, Ptr>> values;
     for (const std::string& line : engine->getFilterInputs(filter)) {
         const Port port = parse(line);
@@ -197,7 +199,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         outputs.push_back({name, "out_" + name});
     }
     if (!engine->createProcess("fuzz", filter, inputs, outputs, {}, {}, 0, 1e7f,
-                               Tessarity::Type::Duration::Seconds(1))) {
+                               Type::Duration::Seconds(1))) {
         for (const auto& input : values) engine->deleteSource(input.first);
         return 0;
     }
@@ -206,7 +208,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (int run = 0; run < 2; ++run) {
         try {
             for (const auto& output : outputs)
-                engine->getData("fuzz:" + output.second, Tessarity::Type::Time(++time));
+                engine->getData("fuzz:" + output.second, Type::Time(++time));
         } catch (const cv::Exception&) {
             // OpenCV's refusals (mismatched sizes, empty matrices) pass through filters.
         }

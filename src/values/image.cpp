@@ -86,6 +86,7 @@ boost::shared_ptr<ColorImage> pictureOf(const cv::Mat& source) {
 template <typename T, typename F>
 boost::shared_ptr<ColorImage> render(const cv::Mat& source, int samplesPerPixel, F colour) {
     auto picture = pictureOf(source);
+    if (picture->mat.empty()) return picture;
     const int width = source.cols;
     std::vector<unsigned char> row(3 * std::size_t(width) + 1);
     for (int y = 0, index = 0; y < source.rows; ++y) {
@@ -194,6 +195,7 @@ boost::shared_ptr<ColorImage> BinaryImage::toColorImage() {
 
 boost::shared_ptr<ColorImage> LabelImage::toColorImage() {
     auto picture = pictureOf(mat);
+    if (picture->mat.empty()) return picture;
     const int width = mat.cols, count = mat.rows * mat.cols;
     // The flat index of each label's first pixel, by label. It grows as labels are met, so a
     // picture with few labels does not clear a table as large as itself.

@@ -35,6 +35,12 @@ static std::string render(int width, const std::vector<double>& samples) {
     return rows(picture->mat);
 }
 
+TEST(Rendering, ImagesWithRowsButNoColumnsGivePicturesWithoutPixels) {
+    EXPECT_TRUE(DepthImage(0, 3).toColorImage()->mat.empty());
+    EXPECT_TRUE(XYZImage(0, 3).toColorImage()->mat.empty());
+    EXPECT_TRUE(LabelImage(0, 3).toColorImage()->mat.empty());
+}
+
 TEST(Rendering, DepthAndPointsOnTheHeatScale) {
     // 2100 mm and 2.15 m sit halfway: t = 0.5 gives (31.875, 159.375, 63.75), truncated.
     EXPECT_EQ("0,0,0 85,85,85 255,0,0 31,159,63 0,0,255 0,0,255",

@@ -79,7 +79,9 @@ TEST(Data, EveryRecordHasItsTagItsTextAndItsOwnPointerConversion) {
         Data(object),
         Data(boost::make_shared<Type::Object3D>(boost::shared_ptr<Type::Region3>())),
         Data(boost::make_shared<Type::AudioBuffer>(4, 1, 8000, Type::Time())),
-        Data(boost::make_shared<Type::Vector6>(0, 0, 0, 0, 0, 0))};
+        Data(boost::make_shared<Type::Vector6>(0, 0, 0, 0, 0, 0)),
+        // Without channels there is no channel size, rather than a division fault.
+        Data(boost::make_shared<Type::Histogram>(1, 0))};
     std::string texts, types;
     for (const Data& value : values) {
         texts += value.toString() + " ";
@@ -91,11 +93,11 @@ TEST(Data, EveryRecordHasItsTagItsTextAndItsOwnPointerConversion) {
         "{Start=[1,23] End=[4,56]} {GrayscaleImage Width=4 Height=3 Data=" +
             pixels.str() + "} {Image Width=2 Height=1 Data=" + pixels.str() +
             "} {Human Id=7 Name=Ada} {Object2D } {Object3D } {void*} {X=0 Y=0 Z=0 WX=0 "
-            "WY=0 WZ=0} ",
+            "WY=0 WZ=0} {Histogram Channels=0 Size=0} ",
         texts);
     EXPECT_EQ(
         "Color Vector2 Vector3 Vector4 Vector6 Histogram Region3 GrayscaleImage ColorImage "
-        "Human Object2D Object3D AudioBuffer Vector6 ",
+        "Human Object2D Object3D AudioBuffer Vector6 Histogram ",
         types);
 
     // A shared pointer is kept; a value is copied; pointers need the exact tag.

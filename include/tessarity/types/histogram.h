@@ -31,7 +31,7 @@ public:
 
     unsigned int getSize() const { return _size; }
     unsigned int getChannels() const { return _channels; }
-    unsigned int getChannelSize() const { return _size / _channels; }
+    unsigned int getChannelSize() const { return _channels ? _size / _channels : 0; }
     float* getData() const { return _bins; }
 
     float& data(int bin, int channel) { return _bins[bin * int(_channels) + channel]; }

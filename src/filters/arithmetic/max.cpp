@@ -37,18 +37,7 @@ Max::Max() : FilterPrimitive("Max") {
 std::vector<boost::shared_ptr<Data>> Max::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
     long long) {
-    if (!Operands::arePair(inputs)) return {};
-    const Data& left = *inputs[0];
-    const Data& right = *inputs[1];
-    if (left.getType() != right.getType()) return {};
-    switch (left.getType()) {
-        case ColorImage:
-            return Operands::result(Operands::perSample<Type::ColorImage>(left, right, larger));
-        case GrayscaleImage:
-            return Operands::result(Operands::perSample<Type::GrayscaleImage>(left, right, larger));
-        default:
-            return Operands::result(Operands::numbers(left, right, Larger()));
-    }
+    return Operands::sameKind(inputs, larger, Larger());
 }
 
 }  // namespace Filters

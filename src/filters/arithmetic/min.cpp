@@ -37,19 +37,7 @@ Min::Min() : FilterPrimitive("Min") {
 std::vector<boost::shared_ptr<Data>> Min::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
     long long) {
-    if (!Operands::arePair(inputs)) return {};
-    const Data& left = *inputs[0];
-    const Data& right = *inputs[1];
-    if (left.getType() != right.getType()) return {};
-    switch (left.getType()) {
-        case ColorImage:
-            return Operands::result(Operands::perSample<Type::ColorImage>(left, right, smaller));
-        case GrayscaleImage:
-            return Operands::result(
-                Operands::perSample<Type::GrayscaleImage>(left, right, smaller));
-        default:
-            return Operands::result(Operands::numbers(left, right, Smaller()));
-    }
+    return Operands::sameKind(inputs, smaller, Smaller());
 }
 
 }  // namespace Filters

@@ -9,18 +9,7 @@
 #include <tessarity/data.h>
 #include <tessarity/types/image.h>
 
-// A pixel loop that the compiler vectorises for the processor it runs on: beside the baseline
-// copy, an AVX2 one, chosen once when the library loads. GCC's cheap vectoriser of -O2 leaves
-// loops with a remainder alone, so such loops ask for the full cost model.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-#define TESSARITY_PIXEL_LOOP                         \
-    __attribute__((target_clones("avx2", "default"), \
-                   optimize("tree-vectorize", "vect-cost-model=dynamic")))
-#elif defined(__x86_64__) && defined(__clang__)
-#define TESSARITY_PIXEL_LOOP __attribute__((target_clones("avx2", "default")))
-#else
-#define TESSARITY_PIXEL_LOOP
-#endif
+#include "filters/image_layout.h"
 
 // What the arithmetic filters share: the checks on their operands, arithmetic on two numbers
 // of one type, and the per-sample operations on two images of one class.
@@ -36,15 +25,7 @@ inline bool arePair(const Values& inputs) { return inputs.size() == 2 && inputs[
 // The result vector: one entry for "out", or nothing at all when there is no result.
 inline Values result(const boost::shared_ptr<Data>& out) { return out ? Values{out} : Values{}; }
 
-// The image of class C in `value`, or null when the tag is another, the payload is missing or
-// the matrix does not have C's layout (an image made around a foreign cv::Mat): the pixel
-// loops can then trust every row to hold width times channels samples of C.
-template <class C>
-const C* imageOf(const Data& value) {
-    const C* image = value;
-    if (!image || image->mat.type() != C::MatType || image->mat.dims > 2) return nullptr;
-    return image;
-}
+using Filters::imageOf;
 
 template <class C>
 bool sameSize(const C& left, const C& right) {
@@ -79,6 +60,24 @@ boost::shared_ptr<Data> numbers(const Data& left, const Data& right, Operation o
             return boost::make_shared<Data>(operation(double(left), double(right)));
         default:
             return boost::shared_ptr<Data>();
+    }
+}
+
+// Two operands of one type: `onImages(left, right, out)` on the matrices of colour or gray
+// images (as `perSample`), `onNumbers` on numbers (as `numbers`); nothing for any other pair.
+template <typename OnImages, typename OnNumbers>
+Values sameKind(const Values& inputs, OnImages onImages, OnNumbers onNumbers) {
+    if (!arePair(inputs)) return {};
+    const Data& left = *inputs[0];
+    const Data& right = *inputs[1];
+    if (left.getType() != right.getType()) return {};
+    switch (left.getType()) {
+        case ColorImage:
+            return result(perSample<Type::ColorImage>(left, right, onImages));
+        case GrayscaleImage:
+            return result(perSample<Type::GrayscaleImage>(left, right, onImages));
+        default:
+            return result(numbers(left, right, onNumbers));
     }
 }
 

@@ -9,18 +9,7 @@
 #include <tessarity/data.h>
 #include <tessarity/types/image.h>
 
-// A pixel loop that the compiler vectorises for the processor it runs on: beside the baseline
-// copy, an AVX2 one, chosen once when the library loads. GCC's cheap vectoriser of -O2 leaves
-// loops with a remainder alone, so such loops ask for the full cost model.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-#define TESSARITY_PIXEL_LOOP                         \
-    __attribute__((target_clones("avx2", "default"), \
-                   optimize("tree-vectorize", "vect-cost-model=dynamic")))
-#elif defined(__x86_64__) && defined(__clang__)
-#define TESSARITY_PIXEL_LOOP __attribute__((target_clones("avx2", "default")))
-#else
-#define TESSARITY_PIXEL_LOOP
-#endif
+#include "filters/image_layout.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -33,8 +22,8 @@ namespace Colour {
 // around a matrix of another layout.
 template <typename Row>
 std::vector<boost::shared_ptr<Data>> measure(const Data& in, Row row) {
-    const Type::ColorImage* image = in;
-    if (!image || image->mat.type() != CV_8UC3 || image->mat.dims > 2) return {};
+    const Type::ColorImage* image = imageOf<Type::ColorImage>(in);
+    if (!image) return {};
     auto out = boost::make_shared<Type::GrayscaleImage>(
         image->getWidth(), image->getHeight(), image->colorSpace, image->timestamp,
         image->horizontalAngle, image->verticalAngle);

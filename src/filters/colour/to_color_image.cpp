@@ -5,6 +5,7 @@
 #include <tessarity/types/audio_buffer.h>
 #include <tessarity/types/image.h>
 
+#include "filters/image_layout.h"
 #include "graph/port.h"
 
 namespace Tessarity {
@@ -16,9 +17,8 @@ namespace {
 // which the rendering would misread.
 template <class C>
 boost::shared_ptr<Data> pictureOf(const Data& in) {
-    C* image = in;
-    if (!image || image->mat.type() != C::MatType || image->mat.dims > 2)
-        return boost::shared_ptr<Data>();
+    C* image = imageOf<C>(in);
+    if (!image) return boost::shared_ptr<Data>();
     return boost::make_shared<Data>(image->toColorImage());
 }
 

@@ -9,6 +9,7 @@
 
 #include "common/logging.h"
 #include "graph/memory_manager.h"
+#include "filters/image_layout.h"
 #include "graph/port.h"
 
 namespace Tessarity {
@@ -64,12 +65,6 @@ void blendRow(ushort* accumulator, const ushort* input, int count, unsigned int 
             static_cast<ushort>((input[i] * inputWeight + accumulator[i] * accumulatorWeight) >> 8);
 }
 
-// The image of class C in `value`, if its matrix has C's layout.
-template <class C>
-C* imageOf(const Data& value) {
-    C* image = value;
-    return image && image->mat.type() == C::MatType && image->mat.dims <= 2 ? image : nullptr;
-}
 
 template <class C>
 DataPtr cloneOf(const Data& in) {

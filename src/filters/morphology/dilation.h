@@ -1,19 +1,15 @@
 #ifndef TESSARITY_FILTERS_MORPHOLOGY_DILATION_H
 #define TESSARITY_FILTERS_MORPHOLOGY_DILATION_H
 
-#include "graph/filter_primitive.h"
+#include "filters/morphology/square_morphology_filter.h"
 
 namespace Tessarity {
 namespace Filters {
 
 // The greatest value under a square kernel of side "size" around each pixel.
-class Dilation : public FilterPrimitive {
+class Dilation : public SquareMorphologyFilter {
 public:
     Dilation();
-
-    std::vector<boost::shared_ptr<Data>> applyFilter(
-        const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash& process,
-        const StringHash& request, long long depth) override;
 };
 
 }  // namespace Filters

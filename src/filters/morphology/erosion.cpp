@@ -2,42 +2,11 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include <tessarity/cv_bridge.h>
-
-#include "common/logging.h"
-#include "filters/morphology/image_input.h"
-#include "filters/morphology/square_kernel.h"
-#include "graph/port.h"
-
 namespace Tessarity {
 namespace Filters {
 
-namespace {
-const char* const kLogCategory = "tessarity.filter.erosion";
-const char* const kLogFile = "src/filters/erosion";
-}  // namespace
-
-Erosion::Erosion() : FilterPrimitive("Erosion") {
-    _addInput("in")->addType(BinaryImage).addType(GrayscaleImage).addType(DepthImage);
-    _addInput("size")->addType(Integer);
-    _addOutput("out")->addType(BinaryImage).addType(GrayscaleImage).addType(DepthImage);
-}
-
-std::vector<boost::shared_ptr<Data>> Erosion::applyFilter(
-    const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
-    long long) {
-    const DataType type = inputs.size() == 2 && inputs[0] ? inputs[0]->getType() : Invalid;
-    const cv::Mat* source = type == GrayscaleImage || type == BinaryImage || type == DepthImage
-                                ? bridgedMat(inputs[0])
-                                : nullptr;
-    cv::Mat result;
-    if (!source || !inputs[1] || inputs[1]->getType() != Integer ||
-        !squareMorphology(cv::erode, *source, int(*inputs[1]), result)) {
-        TES_LOG(kelvo::log::Error, " [Invalid Input] -> Erosion -> ...");
-        return {};
-    }
-    return {cvMatToData(result, type, inputs[0])};
-}
+Erosion::Erosion()
+    : SquareMorphologyFilter("Erosion", cv::erode, "tessarity.filter.erosion", "src/filters/erosion") {}
 
 }  // namespace Filters
 }  // namespace Tessarity

@@ -6,6 +6,7 @@
 #include <tessarity/types/region.h>
 #include <tessarity/types/vector.h>
 
+#include "filters/image_layout.h"
 #include "graph/port.h"
 
 namespace Tessarity {
@@ -120,9 +121,9 @@ std::vector<boost::shared_ptr<Data>> Draw::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
     long long) {
     if (inputs.size() != 3 || !inputs[0] || !inputs[1]) return {};
-    const Type::ColorImage* source = *inputs[0];
     // Pixels are painted as three bytes each, in a plain matrix.
-    if (!source || source->mat.dims > 2 || source->mat.type() != CV_8UC3) return {};
+    const Type::ColorImage* source = imageOf<Type::ColorImage>(*inputs[0]);
+    if (!source) return {};
     std::string colourName;
     if (inputs[2] && inputs[2]->getType() == String) colourName = std::string(*inputs[2]);
 

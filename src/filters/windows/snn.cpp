@@ -8,6 +8,7 @@
 #include <tessarity/types/image.h>
 
 #include "common/logging.h"
+#include "filters/image_layout.h"
 #include "graph/port.h"
 
 namespace Tessarity {
@@ -140,9 +141,9 @@ std::vector<boost::shared_ptr<Data>> SNN::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,
     long long) {
     const Type::GrayscaleImage* in =
-        inputs.size() == 2 && inputs[0] ? static_cast<Type::GrayscaleImage*>(*inputs[0]) : nullptr;
+        inputs.size() == 2 && inputs[0] ? imageOf<Type::GrayscaleImage>(*inputs[0]) : nullptr;
     // The loops walk a plain matrix of bytes; a negative size would reach outside it.
-    if (!in || in->mat.dims > 2 || in->mat.type() != CV_8UC1 || !inputs[1] ||
+    if (!in || !inputs[1] ||
         inputs[1]->getType() != Integer || int(*inputs[1]) < 0) {
         TES_LOG(kelvo::log::Error, kInvalidInput);
         return {};
