@@ -119,8 +119,11 @@ DataPtr imageData(const ImageClass& image, py::handle value, const ImageMeta& me
     const char order = py::detail::array_descriptor_proxy(proxy(array)->descr)->byteorder;
     if (order == (__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? '>' : '<'))
         array = array.attr("astype")(array.attr("dtype").attr("newbyteorder")("="));
-    array = py::array::ensure(array, npy_api::NPY_ARRAY_C_CONTIGUOUS_ | npy_api::NPY_ARRAY_ALIGNED_);
-    if (!array) throw py::error_already_set();
+    const int layout = npy_api::NPY_ARRAY_C_CONTIGUOUS_ | npy_api::NPY_ARRAY_ALIGNED_;
+    if ((proxy(array)->flags & layout) != layout) {
+        array = py::array::ensure(array, layout);
+        if (!array) throw py::error_already_set();
+    }
     switch (image.type) {
         case ColorImage:
             return borrowImage<Type::ColorImage>(array, meta);
