@@ -139,7 +139,7 @@ void noteSlowProcess(std::ostream& err, const std::string& process, float freque
 struct RunWatch {
     std::string process;
     std::string firstSink;
-    std::atomic<unsigned long> values{0};            // at any sink: grows with every run
+    std::atomic<unsigned long> values{0};            // at any sink: grows with a run's results
     std::deque<std::atomic<unsigned long>> perSink;  // a deque keeps its elements in place
     std::atomic<long long> lastResult{0};            // steady clock, nanoseconds
 
