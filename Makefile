@@ -7,7 +7,7 @@ CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo $(if $(CCACHE),-DCMAKE_CXX_COMP
 # ctest runs the cases two at a time; a case that needs more time than this is a hang.
 CTEST := ctest --output-on-failure -j $(JOBS) --timeout 300
 
-.PHONY: all deps build python test test-asan test-tsan bench fuzz install clean
+.PHONY: all deps build python test demo test-asan test-tsan bench fuzz install clean
 
 all: build
 
@@ -26,6 +26,17 @@ python: deps build/CMakeCache.txt
 
 test: build
 	cd build && $(CTEST)
+
+# The blob finder of examples/blobs.tsp over a generated frame sequence: the boxes of each
+# frame on stdout; the annotated frames and the graph of the filter in out/demo/. The
+# generator's own boxes go to out/demo/generated-boxes.txt, to compare.
+DEMO := out/demo
+demo: build
+	@scripts/install-deps demo
+	rm -rf $(DEMO) && mkdir -p $(DEMO)
+	build/examples/frames/generate_frames $(DEMO)/frames > $(DEMO)/generated-boxes.txt
+	build/tools/tessarity_run/tessarity-run examples/blobs.tsp --frames camera=$(DEMO)/frames \
+	  --get Blobs:boxes --get Blobs:annotated --dump Blobs --out $(DEMO)
 
 # AddressSanitizer and UndefinedBehaviorSanitizer; the first report fails the run.
 test-asan: deps
@@ -64,4 +75,4 @@ install: build
 	cmake --install build --prefix $(PREFIX)
 
 clean:
-	rm -rf build build-asan build-tsan build-bench build-fuzz
+	rm -rf build build-asan build-tsan build-bench build-fuzz out

@@ -1,6 +1,6 @@
 # Fails unless each example below stands in README.md, whole and unchanged, as a fenced block
 # of its language, and the README has no other block of those languages.
-set(examples first_program.cpp:cpp capture_log.cpp:cpp gate.tsp:tsp blobs.py:python)
+set(examples hello.cpp:cpp first_program.cpp:cpp capture_log.cpp:cpp gate.tsp:tsp blobs.py:python)
 file(READ "${README}" readme)
 foreach(entry ${examples})
   string(REPLACE ":" ";" parts "${entry}")

@@ -178,3 +178,29 @@ TEST_F(RunTool, GeneratedFramesHoldTheBoxesTheyAnnounce) {
         EXPECT_EQ(found, frame.second);
     }
 }
+
+// The demo's pipeline over the generated frames: in each frame the boxes of the shapes, in the
+// order of their topmost rows, each a pixel wider on every side for the dilation; one run a frame.
+TEST_F(RunTool, BlobsFindTheGeneratedShapes) {
+    const Result generated = frames("frames");
+    ASSERT_EQ(generated.status, 0) << generated.err;
+    std::map<std::string, std::string> boxes;  // by frame number
+    std::istringstream lines(generated.out);
+    int x0, y0, x1, y1;
+    for (std::string file, shape; lines >> file >> shape >> x0 >> y0 >> x1 >> y1;) {
+        std::string& frame = boxes[file.substr(6, 4)];
+        frame += (frame.empty() ? "" : ";") + std::string("{Start=[") + std::to_string(x0 - 1) +
+                 "," + std::to_string(y0 - 1) + "] End=[" + std::to_string(x1 + 1) + "," +
+                 std::to_string(y1 + 1) + "]}";
+    }
+    ASSERT_EQ(boxes.size(), 12u);
+    std::string expected;
+    for (const auto& frame : boxes)
+        expected += frame.first + "  Blobs:boxes  {" + frame.second + "}\n";
+
+    const Result found = tool(std::string(TESSARITY_EXAMPLES_DIR) +
+                              "/blobs.tsp --frames camera=frames --get Blobs:boxes --threads 0");
+    ASSERT_EQ(found.status, 0) << found.err;
+    EXPECT_EQ(found.out, expected);
+    EXPECT_NE(found.err.find("\nBlobs      12 "), std::string::npos) << found.err;
+}

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <deque>
 #include <filesystem>
 #include <iomanip>
 #include <memory>
@@ -134,12 +135,21 @@ void noteSlowProcess(std::ostream& err, const std::string& process, float freque
     }
 }
 
-// What the sinks of one process tell: how many runs gave a value, and when the last did.
+// What the sinks of one process tell: how many values they got, and when the last came.
 struct RunWatch {
     std::string process;
     std::string firstSink;
-    std::atomic<unsigned long> runs{0};
-    std::atomic<long long> lastResult{0};  // steady clock, nanoseconds
+    std::atomic<unsigned long> values{0};            // at any sink: grows with a run's results
+    std::deque<std::atomic<unsigned long>> perSink;  // a deque keeps its elements in place
+    std::atomic<long long> lastResult{0};            // steady clock, nanoseconds
+
+    // A run gives each sink one value at most, so the sink that got the most counts the runs
+    // (exactly, when some sink gets a value from every run).
+    unsigned long runs() const {
+        unsigned long most = 0;
+        for (const auto& count : perSink) most = std::max(most, count.load());
+        return most;
+    }
 };
 
 long long steadyNanoseconds() {
@@ -161,12 +171,15 @@ std::vector<std::unique_ptr<RunWatch>> watchProcesses(Tessarity::Tessarity& engi
         RunWatch* watch = watches.back().get();
         watch->process = sink.process;
         watch->firstSink = sink.text();
-        for (const std::string& name : engine.getProcessSinks(sink.process))
-            engine.createEvent(sink.process + ":" + name,
-                               Tessarity::Tessarity::Callback([watch](boost::shared_ptr<Data>) {
-                                   watch->lastResult = steadyNanoseconds();
-                                   watch->runs.fetch_add(1);
-                               }));
+        for (const std::string& name : engine.getProcessSinks(sink.process)) {
+            std::atomic<unsigned long>* count = &watch->perSink.emplace_back(0);
+            const Tessarity::Tessarity::Callback counted([watch, count](boost::shared_ptr<Data>) {
+                watch->lastResult = steadyNanoseconds();
+                count->fetch_add(1);
+                watch->values.fetch_add(1);
+            });
+            engine.createEvent(sink.process + ":" + name, counted);
+        }
     }
     return watches;
 }
@@ -261,14 +274,14 @@ void replay(Tessarity::Tessarity& engine, const Options& options, std::ostream& 
         std::vector<boost::shared_ptr<Data>> images;
         for (const std::vector<std::string>& files : frameFiles)
             images.push_back(readImage(files[frame], time));
-        std::vector<unsigned long> runsBefore;
-        for (const auto& watch : watches) runsBefore.push_back(watch->runs);
+        std::vector<unsigned long> valuesBefore;
+        for (const auto& watch : watches) valuesBefore.push_back(watch->values);
         const long long arrived = steadyNanoseconds();
         for (std::size_t feed = 0; feed < images.size(); ++feed)
             setSource(engine, options.frames[feed].source, images[feed]);
         for (std::size_t p = 0; p < watches.size(); ++p) {
             RunWatch& watch = *watches[p];
-            const unsigned long before = watch.runs;
+            const unsigned long before = watch.values;
             const long long pullStart = steadyNanoseconds();
             try {
                 engine.getData(watch.firstSink, time);
@@ -278,9 +291,9 @@ void replay(Tessarity::Tessarity& engine, const Options& options, std::ostream& 
             }
             // A pull that computed is timed from its start; a run that an event of the
             // program started on a worker, from the frame's arrival to its last result.
-            if (watch.runs != before)
+            if (watch.values != before)
                 timings[p].milliseconds.push_back((steadyNanoseconds() - pullStart) / 1e6);
-            else if (before != runsBefore[p])
+            else if (before != valuesBefore[p])
                 timings[p].milliseconds.push_back((watch.lastResult - arrived) / 1e6);
         }
         progress.clear();
@@ -288,7 +301,7 @@ void replay(Tessarity::Tessarity& engine, const Options& options, std::ostream& 
         progress.show(frame + 1);
     }
     progress.clear();
-    for (std::size_t p = 0; p < watches.size(); ++p) timings[p].runs = watches[p]->runs;
+    for (std::size_t p = 0; p < watches.size(); ++p) timings[p].runs = watches[p]->runs();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - started;
     err << timingTable(timings, frames, seconds.count());
 }
