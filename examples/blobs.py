@@ -1,6 +1,7 @@
 # examples/blobs.py: the blob finder of blobs.tsp, fed and read from Python.
 #
-#   generate_frames frames --ppm && python3 examples/blobs.py frames
+#   build/examples/frames/generate_frames frames --ppm
+#   PYTHONPATH=build/python python3 examples/blobs.py frames
 #
 #   NumPy frame --set_data--> [camera] --> Blobs --> boxes, centres, mask, annotated
 #                                                      |
