@@ -13,7 +13,11 @@
 // A pixel loop that the compiler vectorises for the processor it runs on: beside the baseline
 // copy, an AVX2 one, chosen once when the library loads. GCC's cheap vectoriser of -O2 leaves
 // loops with a remainder alone, so such loops ask for the full cost model.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+// ThreadSanitizer instruments the resolver that picks the copy, which then runs while the
+// library is relocated, before the sanitizer's runtime is ready: its builds keep the baseline.
+#if defined(__SANITIZE_THREAD__)
+#define TESSARITY_PIXEL_LOOP
+#elif defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
 #define TESSARITY_PIXEL_LOOP                         \
     __attribute__((target_clones("avx2", "default"), \
                    optimize("tree-vectorize", "vect-cost-model=dynamic")))
