@@ -78,8 +78,6 @@ TEST(Composite, CompositionFailuresCreateNothing) {
               prefix + "The port \"o\" is not declared in \"a\".");
     EXPECT_EQ(refused({{{"a", ""}, {"a", "i"}}}, {}, {}),
               prefix + "The port \"i\" is not declared in \"a\"");
-    EXPECT_EQ(refused({}, {{{"a", "in[1][2]"}, "x"}}, {}),
-              prefix + "Invalid default value declaration \"a:in[1][2]\".");
     EXPECT_EQ(refused({}, {{{"a", "nope"}, "x"}}, {}),
               prefix + "Invalid exported input: \"a:nope<=x\".");
     EXPECT_EQ(refused({}, {{{"a", "in[null]"}, "x"}}, {}),

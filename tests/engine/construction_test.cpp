@@ -9,22 +9,13 @@ using namespace enginekit;
 TEST(Catalogue, ListsFlowFiltersWithTheirPorts) {
     LogCapture log;
     Engine engine(0);
-    EXPECT_EQ(engine.getFilters(), (Names{"Accum",      "Add",           "Append",
-                                          "Apply",      "BoundingBox",   "Curry",
-                                          "Density",    "Dilation",      "Dispatch",
-                                          "Draw",       "Duplicate",     "Erosion",
-                                          "Extract",    "Geodesic",      "Gravity",
-                                          "Head",       "Histogram",     "Hue",
-                                          "Identity",   "IfChanged",     "ImprovedLabelize",
-                                          "Invert",     "Labelize",      "Luminance",
-                                          "Mandatory1", "Mandatory2",    "Mandatory3",
-                                          "Mandatory4", "Mandatory5",    "Mandatory6",
-                                          "Mandatory7", "Mandatory8",    "Mask",
-                                          "Max",        "Min",           "Multiplex",
-                                          "Multiply",   "Otsu",          "Print",
-                                          "Ratio",      "SNN",           "Saturation",
-                                          "ScaleDown",  "SlidingWindow", "Sub",
-                                          "Threshold",  "ToColorImage"}));
+    EXPECT_EQ(joined(engine.getFilters()),
+              "Accum Add Append Apply BoundingBox Curry Density Dilation Dispatch Draw Duplicate "
+              "Erosion Extract Geodesic Gravity Head Histogram Hue Identity IfChanged "
+              "ImprovedLabelize Invert Labelize Luminance Mandatory1 Mandatory2 Mandatory3 "
+              "Mandatory4 Mandatory5 Mandatory6 Mandatory7 Mandatory8 Mask Max Min Multiplex "
+              "Multiply Otsu Print Ratio SNN Saturation ScaleDown SlidingWindow Sub Threshold "
+              "ToColorImage");
     EXPECT_TRUE(engine.isFilter("Mandatory8"));
     EXPECT_FALSE(engine.isFilter("Mandatory9") || engine.isFilter("Mandatory"));
     EXPECT_EQ(engine.getFilterInputs("Dispatch"), (Names{"optional in", "[Boolean] state"}));

@@ -1,21 +1,11 @@
 // Filters, their ports and the memory they keep between runs.
-#include <gtest/gtest.h>
-#include <boost/make_shared.hpp>
-
 #include "filters/flow/mandatory.h"
-#include "graph/filter_primitive.h"
 #include "graph/memory_manager.h"
-#include "graph/port.h"
+#include "kits/graph_kit.h"
 
-using namespace Tessarity;
+using namespace graphkit;
 
 namespace {
-
-typedef boost::shared_ptr<Data> DataPtr;
-typedef std::vector<int> Ints;
-
-DataPtr integer(int value) { return boost::make_shared<Data>(value); }
-int number(const DataPtr& value) { return value ? int(*value) : -1; }
 
 // Adds its input times its step to a running total kept per (process, request).
 class Total : public FilterPrimitive {
@@ -26,9 +16,9 @@ public:
         _addOutput("sum");
         _addOutput("count");
     }
-    std::vector<DataPtr> applyFilter(const std::vector<DataPtr>& inputs, const StringHash& process,
-                                     const StringHash& request, long long) override {
-        DataPtr total = _getMemoryManager()->getData(process, request);
+    Values applyFilter(const Values& inputs, const StringHash& process, const StringHash& request,
+                       long long) override {
+        Ptr total = _getMemoryManager()->getData(process, request);
         int sum = (total ? int(*total) : 0) + int(*inputs[0]) * int(*inputs[1]);
         _getMemoryManager()->setData(process, request, integer(sum));
         return {integer(sum)};
@@ -58,13 +48,13 @@ TEST(FilterPrimitive, StateIsKeptPerProcessAndRequest) {
     Total total;
     total.bindMemoryManager(&memory);
     auto sum = [&](int in, int step, const StringHash& process, const StringHash& request) {
-        return number(total.applyFilter({integer(in), integer(step)}, process, request, 0)[0]);
+        return num(total.applyFilter({integer(in), integer(step)}, process, request, 0)[0]);
     };
     EXPECT_EQ((Ints{sum(2, 1, "p", "p/a"), sum(3, 2, "p", "p/a"), sum(5, 1, "p", "p/b"),
                     sum(1, 1, "q", "p/a")}),
               (Ints{2, 8, 5, 1}));
     total.abortFilter("p", "p/a", 0);  // a primitive has nothing to undo
-    EXPECT_EQ(number(memory.getData("p", "p/a")), 8);
+    EXPECT_EQ(num(memory.getData("p", "p/a")), 8);
 }
 
 TEST(FilterPrimitive, DotText) {
@@ -84,10 +74,10 @@ TEST(FilterPrimitive, DotText) {
 TEST(MemoryManager, ReadsCreateEntriesAndRenamesMoveThem) {
     MemoryManager memory;
     StringHash a("a"), b("b"), c("c"), key("k"), other("other");
-    EXPECT_EQ(number(memory.getData(a, key)), -1);
+    EXPECT_EQ(num(memory.getData(a, key)), kNone);
     EXPECT_TRUE(memory.renameProcess(a, b));  // the read left an entry behind
     EXPECT_FALSE(memory.renameProcess(a, b));
-    DataPtr one = integer(1);
+    Ptr one = integer(1);
     memory.setData(b, key, one);
     EXPECT_FALSE(memory.renameProcess(c, b));  // nothing moves
     EXPECT_EQ(memory.getData(b, key), one);    // b keeps its data, shared and not copied
@@ -95,13 +85,13 @@ TEST(MemoryManager, ReadsCreateEntriesAndRenamesMoveThem) {
     memory.setData(b, other, integer(2));
     memory.setData(c, key, integer(3));
     EXPECT_TRUE(memory.renameProcess(b, b));  // equal names keep the data
-    EXPECT_EQ(number(memory.getData(b, other)), 2);
+    EXPECT_EQ(num(memory.getData(b, other)), 2);
     EXPECT_TRUE(memory.renameProcess(c, b));  // replaces what b held, wholly
-    EXPECT_EQ((Ints{number(memory.getData(b, key)), number(memory.getData(b, other)),
-                    number(memory.getData(c, key))}),
-              (Ints{3, -1, -1}));
+    EXPECT_EQ((Ints{num(memory.getData(b, key)), num(memory.getData(b, other)),
+                    num(memory.getData(c, key))}),
+              (Ints{3, kNone, kNone}));
 
     memory.setData(a, key, integer(4));
     EXPECT_TRUE(memory.removeProcess(a) && memory.removeProcess(a));  // known or not
-    EXPECT_EQ(number(memory.getData(a, key)), -1);
+    EXPECT_EQ(num(memory.getData(a, key)), kNone);
 }

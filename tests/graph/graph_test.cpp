@@ -1,21 +1,13 @@
 // The pull protocol between nodes, ports and sources.
 #include <thread>
 
-#include <gtest/gtest.h>
-#include <boost/make_shared.hpp>
+#include "kits/graph_kit.h"
 
-#include "graph/event.h"
-#include "graph/node_source.h"
-#include "graph/port.h"
-#include "kits/log_capture.h"
-
-using namespace Tessarity;
+using namespace graphkit;
 
 namespace {
 
-typedef boost::shared_ptr<Data> DataPtr;
 typedef boost::shared_ptr<Port> PortPtr;
-typedef std::vector<DataPtr> Values;
 typedef const StringHash& Name;
 
 const StringHash kP("p"), kQ("q");
@@ -47,7 +39,7 @@ public:
         synchronizeRelease(process, process, 0);
         return values;
     }
-    DataPtr requestData(Name, Name, long long, PortPtr) override { return DataPtr(); }
+    Ptr requestData(Name, Name, long long, PortPtr) override { return Ptr(); }
     void requestEmpty(Name, Name, long long, PortPtr) override {}
 };
 
@@ -59,9 +51,6 @@ std::string logged(const LogCapture& log) {
     return text;
 }
 
-DataPtr integer(int value) { return boost::make_shared<Data>(value); }
-int number(const DataPtr& value) { return value ? int(*value) : -1; }
-
 }  // namespace
 
 TEST(NodeSource, EachProcessSeesTheValueOfItsFirstSynchronize) {
@@ -72,13 +61,13 @@ TEST(NodeSource, EachProcessSeesTheValueOfItsFirstSynchronize) {
     sync(consumer, kP, kP);
     source->setData(integer(2));  // during the run: reaches only the next one
     sync(*source, kQ, kQ);        // another process takes its own snapshot
-    EXPECT_EQ(number(consumer.pull(kP, kP)[1]), 1);
+    EXPECT_EQ(num(consumer.pull(kP, kP)[1]), 1);
     consumer.synchronizeRelease(kP, kP, 0);
     // Snapshots are kept per process: a request nested in "q" sees the one of "q".
-    EXPECT_EQ(number(source->requestData(kQ, StringHash("q/inner"), 0, PortPtr())), 2);
+    EXPECT_EQ(num(source->requestData(kQ, StringHash("q/inner"), 0, PortPtr())), 2);
     source->synchronizeRelease(kQ, kQ, 0);
-    EXPECT_EQ(number(consumer.run(kP)[1]), 2);
-    EXPECT_EQ(number(source->getData(Type::Time(), Type::Duration())), 2);
+    EXPECT_EQ(num(consumer.run(kP)[1]), 2);
+    EXPECT_EQ(num(source->getData(Type::Time(), Type::Duration())), 2);
     EXPECT_EQ(logged(log), "");
 }
 
@@ -86,12 +75,12 @@ TEST(NodeSource, NullValuesReleasesAndFaults) {
     LogCapture log;
     auto source = boost::make_shared<NodeSource>("src");
     std::vector<int> seen;
-    source->addEvent(boost::make_shared<Event>([&](DataPtr data) {
-        seen.push_back(number(data));
+    source->addEvent(boost::make_shared<Event>([&](Ptr data) {
+        seen.push_back(num(data));
         if (data && int(*data) < 3) source->setData(integer(int(*data) + 1));
     }));
     source->setData(integer(1));  // the callback may set its own source
-    source->setData(DataPtr());   // clears, counts, raises nothing
+    source->setData(Ptr());       // clears, counts, raises nothing
     EXPECT_EQ(seen, (std::vector<int>{1, 2, 3}));
     EXPECT_FALSE(source->getData(Type::Time(), Type::Duration()));
     EXPECT_EQ(source->getUid(), 4u);
@@ -173,7 +162,7 @@ TEST(Port, ChainResolvesTypesDefaultsOwnerAndLookup) {
     owner.addInput(outer);
     EXPECT_TRUE(owner.getInput("") == outer && !owner.getInput("in2"));
     outer->attach(source->getOutput("out"));
-    EXPECT_EQ(number(owner.run(kP)[0]), 4);
+    EXPECT_EQ(num(owner.run(kP)[0]), 4);
 }
 
 TEST(Port, BadLinksAreLoggedAndGiveNull) {
@@ -201,8 +190,8 @@ TEST(Port, LoadedValuesCoverTheChainPerRequest) {
     auto inner = boost::make_shared<Port>("in");
     std::vector<PortPtr> ports{boost::make_shared<Port>("x", inner)};
     Port::loadData(ports, {integer(11)}, kP, request, 0);
-    EXPECT_EQ(number(inner->requestData(kP, request, 0)), 11);
-    EXPECT_EQ(number(ports[0]->requestData(kP, request, 0)), 11);
+    EXPECT_EQ(num(inner->requestData(kP, request, 0)), 11);
+    EXPECT_EQ(num(ports[0]->requestData(kP, request, 0)), 11);
     EXPECT_FALSE(inner->requestData(kP, StringHash("p/other"), 0));
     Port::unloadData(ports, kP, request, 0);
     EXPECT_FALSE(inner->requestData(kP, request, 0));

@@ -22,6 +22,12 @@ const Tessarity::Type::Duration kTolerance = Tessarity::Type::Duration::Seconds(
 inline Tessarity::Type::Time at(long long us) { return Tessarity::Type::Time(us); }
 // A value as text, "null" for none, so that a missing value fails a check without a crash.
 inline std::string text(const boost::shared_ptr<Data>& v) { return v ? v->toString() : "null"; }
+// The names joined by blanks, so that a long list reads as a few lines.
+inline std::string joined(const Names& names) {
+    std::string out;
+    for (std::size_t i = 0; i < names.size(); ++i) out += (i ? " " : "") + names[i];
+    return out;
+}
 // The text of the std::invalid_argument that `call` throws, or "" if it throws none.
 inline std::string thrown(const std::function<void()>& call) {
     try {

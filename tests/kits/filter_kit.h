@@ -1,5 +1,5 @@
-// Shared helpers of the filter tests: a filter made and bound to a memory, its declared ports as
-// one line, images built from lists of samples, and any value, images included, as text.
+// Shared helpers of the filter tests: values boxed, a filter made and bound to a memory, its
+// declared ports as one line, images built from lists of samples, and any value as text.
 #pragma once
 
 #include <sstream>
@@ -20,6 +20,12 @@ namespace filterkit {
 using namespace Tessarity;
 typedef boost::shared_ptr<Data> Ptr;
 typedef std::vector<Ptr> Values;
+
+// A value as the filters take it.
+template <typename T>
+Ptr box(const T& value) {
+    return boost::make_shared<Data>(value);
+}
 
 // A filter of class F bound to a memory of its own, run as a node would run it.
 template <class F>

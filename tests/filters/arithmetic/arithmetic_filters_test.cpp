@@ -20,7 +20,6 @@ using namespace filterkit;
 
 namespace {
 
-Ptr box(const Data& data) { return boost::make_shared<Data>(data); }
 template <class C>
 Ptr row(const std::vector<double>& samples) {
     return image<C>(int(samples.size()) / C::Channels, 1, samples);

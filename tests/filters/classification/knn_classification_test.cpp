@@ -39,8 +39,6 @@ struct DataBases {
     fs::path root;
 };
 
-Ptr box(const Data& data) { return boost::make_shared<Data>(data); }
-
 Ptr features(const std::vector<float>& values) {
     Values elements;
     for (float v : values) elements.push_back(box(v));

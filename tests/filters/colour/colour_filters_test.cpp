@@ -17,7 +17,6 @@ using namespace filterkit;
 
 namespace {
 
-Ptr box(const Data& data) { return boost::make_shared<Data>(data); }
 Ptr colour(const std::vector<double>& samples) {
     return image<Type::ColorImage>(int(samples.size()) / 3, 1, samples);
 }

@@ -19,7 +19,6 @@ using namespace filterkit;
 
 namespace {
 
-Ptr box(const Data& data) { return boost::make_shared<Data>(data); }
 Ptr list(const Values& values) { return box(Data(values)); }
 template <class F>
 Ptr lambdaOf() {

@@ -19,10 +19,6 @@ using namespace filterkit;
 
 namespace {
 
-template <typename T>
-Ptr box(const T& value) {
-    return boost::make_shared<Data>(value);
-}
 Ptr labels(int width, int height, const std::vector<double>& samples) {
     return image<Type::LabelImage>(width, height, samples);
 }

@@ -18,10 +18,6 @@ using namespace filterkit;
 
 namespace {
 
-template <typename T>
-Ptr box(const T& value) {
-    return boost::make_shared<Data>(value);
-}
 template <class C>
 Ptr wrap(const cv::Mat& mat) {
     return box(boost::make_shared<C>(mat, "rgb", Type::Time(5)));

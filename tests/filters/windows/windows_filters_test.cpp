@@ -19,7 +19,6 @@ using namespace filterkit;
 
 namespace {
 
-Ptr box(const Data& data) { return boost::make_shared<Data>(data); }
 const Ptr none;
 
 // The text of the results of the calls, made in this order.
