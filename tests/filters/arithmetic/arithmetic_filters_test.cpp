@@ -211,7 +211,8 @@ TEST(ArithmeticFilters, VectorPathsMatchAPlainReference) {
         {"Invert", -1, [](double a, double) { return a ? 0.0 : 255.0; }},
     };
     cv::RNG rng(7);
-    for (const cv::Size size : {cv::Size(1, 1), cv::Size(17, 3), cv::Size(45, 2)}) {
+    for (const cv::Size size :
+         {cv::Size(1, 1), cv::Size(17, 3), cv::Size(45, 2), cv::Size(131, 3)}) {
         for (const auto& c : cases) {
             const int type = c.type < 0 ? CV_8UC1 : c.type;
             cv::Mat a(size, type), b(size, type);
@@ -238,7 +239,7 @@ TEST(ArithmeticFilters, VectorPathsMatchAPlainReference) {
         rng.fill(bytes, cv::RNG::UNIFORM, 0, 256);
         const Ptr in = box(Data(boost::make_shared<Type::ColorImage>(pixels)));
         const Ptr gray = box(Data(boost::make_shared<Type::GrayscaleImage>(bytes)));
-        for (int ceiling : {-1, 0, 2, 100, 254, 255, 1431655766}) {
+        for (int ceiling : {-1, 0, 2, 100, 127, 170, 254, 255, 1431655766}) {
             const cv::Mat out = matOf(run("Threshold", {in, box(ceiling)}).at(0));
             const cv::Mat grayOut = matOf(run("Threshold", {gray, box(ceiling)}).at(0));
             int wrong = 0;
