@@ -3,7 +3,6 @@
 #include <tessarity/cv_bridge.h>
 
 #include "filters/arithmetic/operands.h"
-#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -34,17 +33,7 @@ boost::shared_ptr<Data> sum(const boost::shared_ptr<Data>& left, const Data& rig
 
 }  // namespace
 
-Add::Add() : FilterPrimitive("Add") {
-    for (const char* name : {"left", "right"})
-        _addInput(name)
-            ->addType(Integer)
-            .addType(Float)
-            .addType(Double)
-            .addType(ColorImage)
-            .addType(GrayscaleImage)
-            .addType(BinaryImage);
-    _addOutput("out");
-}
+Add::Add() : OperandFilter("Add", {ColorImage, GrayscaleImage, BinaryImage}) {}
 
 std::vector<boost::shared_ptr<Data>> Add::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,

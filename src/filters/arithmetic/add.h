@@ -1,14 +1,14 @@
 #ifndef TESSARITY_FILTERS_ARITHMETIC_ADD_H
 #define TESSARITY_FILTERS_ARITHMETIC_ADD_H
 
-#include "graph/filter_primitive.h"
+#include "filters/arithmetic/operand_filter.h"
 
 namespace Tessarity {
 namespace Filters {
 
 // "left" + "right": two numbers of one type (Integer wraps), or two images of one class,
 // summed with saturation into an image that keeps the metadata of "left".
-class Add : public FilterPrimitive {
+class Add : public OperandFilter {
 public:
     Add();
 

@@ -3,7 +3,6 @@
 #include <opencv2/core.hpp>
 
 #include "filters/arithmetic/operands.h"
-#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -23,16 +22,7 @@ void larger(const cv::Mat& a, const cv::Mat& b, cv::Mat& out) { cv::max(a, b, ou
 
 }  // namespace
 
-Max::Max() : FilterPrimitive("Max") {
-    for (const char* name : {"left", "right"})
-        _addInput(name)
-            ->addType(Integer)
-            .addType(Float)
-            .addType(Double)
-            .addType(ColorImage)
-            .addType(GrayscaleImage);
-    _addOutput("out");
-}
+Max::Max() : OperandFilter("Max", {ColorImage, GrayscaleImage}) {}
 
 std::vector<boost::shared_ptr<Data>> Max::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,

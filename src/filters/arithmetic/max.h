@@ -1,14 +1,14 @@
 #ifndef TESSARITY_FILTERS_ARITHMETIC_MAX_H
 #define TESSARITY_FILTERS_ARITHMETIC_MAX_H
 
-#include "graph/filter_primitive.h"
+#include "filters/arithmetic/operand_filter.h"
 
 namespace Tessarity {
 namespace Filters {
 
 // The larger of two numbers of one type, or of each pair of bytes of two colour or two gray
 // images. On a tie, and when either number is a NaN, the result is "right".
-class Max : public FilterPrimitive {
+class Max : public OperandFilter {
 public:
     Max();
 

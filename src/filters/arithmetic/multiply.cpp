@@ -6,7 +6,6 @@
 #include <tessarity/cv_bridge.h>
 
 #include "filters/arithmetic/operands.h"
-#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -69,17 +68,7 @@ boost::shared_ptr<Data> bitwise(const boost::shared_ptr<Data>& left, const Data&
 
 }  // namespace
 
-Multiply::Multiply() : FilterPrimitive("Multiply") {
-    for (const char* name : {"left", "right"})
-        _addInput(name)
-            ->addType(Integer)
-            .addType(Float)
-            .addType(Double)
-            .addType(ColorImage)
-            .addType(BinaryImage)
-            .addType(GrayscaleImage);
-    _addOutput("out");
-}
+Multiply::Multiply() : OperandFilter("Multiply", {ColorImage, BinaryImage, GrayscaleImage}) {}
 
 std::vector<boost::shared_ptr<Data>> Multiply::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,

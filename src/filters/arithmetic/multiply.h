@@ -1,7 +1,7 @@
 #ifndef TESSARITY_FILTERS_ARITHMETIC_MULTIPLY_H
 #define TESSARITY_FILTERS_ARITHMETIC_MULTIPLY_H
 
-#include "graph/filter_primitive.h"
+#include "filters/arithmetic/operand_filter.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -9,7 +9,7 @@ namespace Filters {
 // The product of two numbers of one type; on images, per pair of classes: colour bytes
 // normalised (a * b / 255, truncated), binary images combined bitwise, and a gray image scaled
 // by an Integer, handed on as a BinaryImage of the scaled values.
-class Multiply : public FilterPrimitive {
+class Multiply : public OperandFilter {
 public:
     Multiply();
 

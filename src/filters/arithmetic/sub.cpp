@@ -3,7 +3,6 @@
 #include <opencv2/core.hpp>
 
 #include "filters/arithmetic/operands.h"
-#include "graph/port.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -24,17 +23,7 @@ void distance(const cv::Mat& a, const cv::Mat& b, cv::Mat& out) { cv::absdiff(a,
 
 }  // namespace
 
-Sub::Sub() : FilterPrimitive("Sub") {
-    for (const char* name : {"left", "right"})
-        _addInput(name)
-            ->addType(Integer)
-            .addType(Float)
-            .addType(Double)
-            .addType(ColorImage)
-            .addType(GrayscaleImage)
-            .addType(DepthImage);
-    _addOutput("out");
-}
+Sub::Sub() : OperandFilter("Sub", {ColorImage, GrayscaleImage, DepthImage}) {}
 
 std::vector<boost::shared_ptr<Data>> Sub::applyFilter(
     const std::vector<boost::shared_ptr<Data>>& inputs, const StringHash&, const StringHash&,

@@ -1,7 +1,7 @@
 #ifndef TESSARITY_FILTERS_ARITHMETIC_SUB_H
 #define TESSARITY_FILTERS_ARITHMETIC_SUB_H
 
-#include "graph/filter_primitive.h"
+#include "filters/arithmetic/operand_filter.h"
 
 namespace Tessarity {
 namespace Filters {
@@ -9,7 +9,7 @@ namespace Filters {
 // "left" - "right" on two numbers of one type (Integer wraps), but the absolute difference
 // on two images of one class: a distance between pictures, which never wraps. An image result
 // is new: colour space "unknow", stamped now, no angles.
-class Sub : public FilterPrimitive {
+class Sub : public OperandFilter {
 public:
     Sub();
 
