@@ -101,6 +101,32 @@ TEST(ColourFilters, VectorPathsMatchTheFormulas) {
     }
 }
 
+// The hue depends on a pixel only through g - b and 2r - g - b: one pixel for each pair three
+// bytes can make covers every angle the filter can meet, those its fast arctangent leaves to
+// atan2f included.
+TEST(ColourFilters, HueMatchesAtan2fOnEveryAngle) {
+    std::vector<cv::Vec3b> pixels;
+    for (int dy = -255; dy <= 255; ++dy)
+        for (int x = -510; x <= 510; ++x) {
+            // g + b = 2r - x and g - b = dy: |dy| <= 2r - x <= 510 - |dy|, x as odd as dy.
+            if ((x + dy) % 2) continue;
+            const int r = std::max(0, (x + std::abs(dy)) / 2), sum = 2 * r - x;
+            if (r > 255 || sum > 510 - std::abs(dy)) continue;
+            pixels.emplace_back(r, (sum + dy) / 2, (sum - dy) / 2);
+        }
+    ASSERT_EQ(pixels.size(), 195841u);
+    const cv::Mat all = cv::Mat(pixels).reshape(3, 67);  // rows of 2,923: the loops' remainders too
+    Bench<Filters::Hue> hue;
+    const Ptr in = box(Data(boost::make_shared<Type::ColorImage>(all)));
+    for (const int reference : {0, 97, -250, 359}) {
+        const cv::Mat h = matOf(hue({in, box(reference)}).at(0));
+        int wrong = 0;
+        for (int i = 0; i < int(pixels.size()); ++i)
+            wrong += h.data[i] != hueOf(pixels[i][0], pixels[i][1], pixels[i][2], reference);
+        EXPECT_EQ(wrong, 0) << reference;
+    }
+}
+
 TEST(ColourFilters, ToColorImageRendersByClass) {
     Bench<Filters::ToColorImage> picture;
     const Ptr in = colour({1, 2, 3});
