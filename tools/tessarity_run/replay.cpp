@@ -52,7 +52,7 @@ std::string frameNumber(std::size_t frame) {
 }
 
 // The sinks to read: those asked for, checked, or every sink of every process.
-std::vector<SinkName> sinksToRead(const Tessarity::Tessarity& engine, const Options& options) {
+std::vector<SinkName> sinksToRead(const ::Tessarity::Tessarity& engine, const Options& options) {
     const std::vector<std::string> processes = engine.getProcesses();
     std::vector<SinkName> sinks = options.sinks;
     if (sinks.empty()) {
@@ -86,7 +86,7 @@ void checkSource(const std::vector<std::string>& sources, const std::string& opt
                       "' (sources: " + joined(sources) + ")");
 }
 
-void setSource(Tessarity::Tessarity& engine, const std::string& source,
+void setSource(::Tessarity::Tessarity& engine, const std::string& source,
                const boost::shared_ptr<Data>& value) {
     try {
         engine.setData(source, value);
@@ -160,7 +160,7 @@ long long steadyNanoseconds() {
 
 // The processes that the sinks name, in that order, each watched through an event on every
 // one of its sinks.
-std::vector<std::unique_ptr<RunWatch>> watchProcesses(Tessarity::Tessarity& engine,
+std::vector<std::unique_ptr<RunWatch>> watchProcesses(::Tessarity::Tessarity& engine,
                                                       const std::vector<SinkName>& sinks) {
     std::vector<std::unique_ptr<RunWatch>> watches;
     for (const SinkName& sink : sinks) {
@@ -173,7 +173,7 @@ std::vector<std::unique_ptr<RunWatch>> watchProcesses(Tessarity::Tessarity& engi
         watch->firstSink = sink.text();
         for (const std::string& name : engine.getProcessSinks(sink.process)) {
             std::atomic<unsigned long>* count = &watch->perSink.emplace_back(0);
-            const Tessarity::Tessarity::Callback counted([watch, count](boost::shared_ptr<Data>) {
+            const ::Tessarity::Tessarity::Callback counted([watch, count](boost::shared_ptr<Data>) {
                 watch->lastResult = steadyNanoseconds();
                 count->fetch_add(1);
                 watch->values.fetch_add(1);
@@ -185,7 +185,7 @@ std::vector<std::unique_ptr<RunWatch>> watchProcesses(Tessarity::Tessarity& engi
 }
 
 // One line per sink of the frame; images become files.
-void showFrame(Tessarity::Tessarity& engine, const Options& options,
+void showFrame(::Tessarity::Tessarity& engine, const Options& options,
                const std::vector<SinkName>& sinks, std::size_t frame, std::ostream& out) {
     std::size_t width = 0;
     for (const SinkName& sink : sinks) width = std::max(width, sink.text().size());
@@ -200,11 +200,10 @@ void showFrame(Tessarity::Tessarity& engine, const Options& options,
         } else if (picture) {
             std::error_code error;
             fs::create_directories(options.outputDirectory, error);
-            const std::string path =
-                (fs::path(options.outputDirectory) / (fileNamePart(sink.process) + "-" +
-                                                      fileNamePart(sink.sink) + "-" +
-                                                      frameNumber(frame) + ".png"))
-                    .string();
+            const std::string path = (fs::path(options.outputDirectory) /
+                                      (fileNamePart(sink.process) + "-" + fileNamePart(sink.sink) +
+                                       "-" + frameNumber(frame) + ".png"))
+                                         .string();
             writePng(path, *picture);
             out << Data::getTypeName(value->getType()) << " " << picture->getWidth() << "x"
                 << picture->getHeight() << " -> " << path;
@@ -218,7 +217,7 @@ void showFrame(Tessarity::Tessarity& engine, const Options& options,
 
 }  // namespace
 
-void replay(Tessarity::Tessarity& engine, const Options& options, std::ostream& out,
+void replay(::Tessarity::Tessarity& engine, const Options& options, std::ostream& out,
             std::ostream& err) {
     const auto started = std::chrono::steady_clock::now();
     const std::vector<SinkName> sinks = sinksToRead(engine, options);
@@ -263,7 +262,8 @@ void replay(Tessarity::Tessarity& engine, const Options& options, std::ostream& 
     std::vector<ProcessTiming> timings;
     for (const auto& watch : watches) {
         timings.push_back({watch->process, {}});
-        if (frames > 1) noteSlowProcess(err, watch->process, engine.getProcessFrequency(watch->process));
+        if (frames > 1)
+            noteSlowProcess(err, watch->process, engine.getProcessFrequency(watch->process));
     }
     engine.startScheduler();
 
@@ -316,10 +316,11 @@ std::string timingTable(const std::vector<ProcessTiming>& timings, std::size_t f
           << "  runs  mean ms   p95 ms  frames/s\n";
     table << std::fixed;
     for (const ProcessTiming& timing : timings) {
-        table << std::left << std::setw(static_cast<int>(nameWidth)) << timing.process
-              << std::right << std::setw(6) << timing.runs;
+        table << std::left << std::setw(static_cast<int>(nameWidth)) << timing.process << std::right
+              << std::setw(6) << timing.runs;
         if (timing.milliseconds.empty()) {
-            table << std::setw(9) << "-" << std::setw(9) << "-" << std::setw(10) << "-" << "\n";
+            table << std::setw(9) << "-" << std::setw(9) << "-" << std::setw(10) << "-"
+                  << "\n";
             continue;
         }
         std::vector<double> sorted = timing.milliseconds;
@@ -336,8 +337,8 @@ std::string timingTable(const std::vector<ProcessTiming>& timings, std::size_t f
               << "\n";
     }
     table << std::setprecision(1) << frames << (frames == 1 ? " frame" : " frames") << " in "
-          << (seconds < 1.0 ? seconds * 1000.0 : seconds) << (seconds < 1.0 ? " ms" : " s")
-          << " (" << frames / seconds << " frames/s, image files read and written)\n";
+          << (seconds < 1.0 ? seconds * 1000.0 : seconds) << (seconds < 1.0 ? " ms" : " s") << " ("
+          << frames / seconds << " frames/s, image files read and written)\n";
     return table.str();
 }
 
