@@ -76,6 +76,7 @@ TESSARITY_PIXEL_LOOP void fastRow(const uchar* pixels, uchar* out, int count, in
 // The closeness of each of `count` pixels to the hue `reference`, in degrees already brought
 // into (-360, 360): the vectorised pass, then atan2f for the pixels it left.
 void hueRow(const uchar* pixels, uchar* out, int count, int reference) {
+    if (count == 0) return;  // the rows of an image without columns have no address to search
     fastRow(pixels, out, count, reference);
     const uchar* end = out + count;
     for (auto* p = static_cast<uchar*>(std::memchr(out, kUnsettled, count)); p;

@@ -67,7 +67,10 @@ TEST(ColourFilters, WorkedPixelsMetadataAndRefusals) {
     EXPECT_EQ(out->colorSpace + " " + std::to_string(out->timestamp.getTotalMicroseconds()) + " " +
                   std::to_string(out->horizontalAngle),
               "rgb 5 60.000000");
-    EXPECT_EQ(text(saturation({image<Type::ColorImage>(0, 3, {})})), "GrayscaleImage ||");
+    // Rows without pixels: no pixel is read, nor a row searched.
+    const Ptr rowsOnly = image<Type::ColorImage>(0, 3, {});
+    EXPECT_EQ(text(saturation({rowsOnly})) + text(hue({rowsOnly, box(0)})),
+              "GrayscaleImage ||GrayscaleImage ||");
 
     const Ptr foreign = box(Data(boost::make_shared<Type::ColorImage>(cv::Mat(1, 1, CV_8UC1))));
     EXPECT_EQ(text(hue({hues})) + text(hue({hues, box(1.0f)})) + text(hue({box(1), box(0)})) +
